@@ -1,0 +1,149 @@
+#pragma once
+
+#include <Common/Export.h>
+#include <Common/IOUtils.h>
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+/**
+ * @file
+ * A message bus for the processes of one user.
+ *
+ * Every participant holds a Context. All contexts of one user with the same context name meet on one local
+ * socket in the temporary directory; the first of them serves the others, and when it goes the rest elect
+ * another. Participants send each other messages by name, get a delivery result for each, and learn who
+ * joins and who leaves.
+ */
+namespace Tavrik::Bazaar
+{
+
+/** What became of a message. */
+enum Error
+{
+  NoError = 0,         ///< The serving process wrote the message to the recipient's socket.
+  ErrorUnknown = 1,    ///< A word that no participant of this version sends.
+  ErrorNotSent = 2,    ///< The connection to the serving process was gone when the message was written.
+  ErrorNotWritten = 3, ///< The serving process could not write the message to the recipient.
+  ErrorNoRecipient = 4 ///< Nobody of the recipient's name is connected.
+};
+
+/** @return The word of @p error as it travels on the wire; "UNKNOWN" for any value without one. */
+TAVRIK_COMMON_EXPORT QString GetErrorString(Error error);
+
+/**
+ * What a participant wants to hear. A Context holds its listeners by weak reference and keeps one alive for
+ * the length of a call only.
+ *
+ * All calls run on the thread that owns the Context, from its event processing, one listener after the other
+ * in the order of registration. A call may do anything: say messages, add listeners, wait for members, run
+ * the event loop, create and destroy contexts, this one included. While it blocks, this participant's bus
+ * stands still.
+ */
+class TAVRIK_COMMON_EXPORT Listener
+{
+public:
+  virtual ~Listener();
+
+  /** A message for this participant has come. @p sender is the name of the client that said it. */
+  virtual void OnMessage(const QString& sender, const QByteArray& data) = 0;
+
+  /**
+   * The fate of a message that this participant said is known.
+   *
+   * @param messageId What Context::Say returned.
+   * @param result    What became of the message.
+   * @param note      A text beside the result; the bus itself leaves it empty.
+   */
+  virtual void OnResult(long long messageId, Error result, const QString& note) = 0;
+
+  /** @p name has joined; Context::HasMember is already true for it. */
+  virtual void OnMemberJoined(const QString& name) = 0;
+
+  /** @p name has left; Context::HasMember is already false for it. */
+  virtual void OnMemberLeft(const QString& name) = 0;
+};
+
+/** Flags of a Context; any other bits are ignored. */
+enum Flag
+{
+  /**
+   * Never serve. Such a participant looks for a server when it is constructed and once when its connection
+   * breaks, and gives up for good when there is none.
+   */
+  NoServer = 1,
+  /** Write a message to the serving process only once its recipient is a member. */
+  HoldUntilMember = 2
+};
+
+/**
+ * One participant of a bus.
+ *
+ * A Context belongs to the thread that created it, which must run a Qt event loop and is the only one that
+ * may call it. Nothing throws; a failed start shows in the log and in that no member ever appears.
+ */
+class TAVRIK_COMMON_EXPORT Context
+{
+public:
+  /**
+   * Joins the bus, or opens it when there is none.
+   *
+   * Blocks while it connects (3 s for the election of another process to end, 3 s for a server to accept,
+   * 30 s for the participant's own), then until the server has answered, however long that takes, running
+   * the event loop meanwhile. A server that has the client name among its members already never answers.
+   * When the process holds the pair of names already, the log says so and the participant never joins.
+   *
+   * @param contextName Which bus.
+   * @param clientName  Who this participant is on that bus.
+   * @param listener    The first listener; may be empty. Not owned.
+   * @param flags       Any of Flag.
+   */
+  Context(const QString& contextName, const QString& clientName, const std::shared_ptr<Listener>& listener,
+          int flags);
+
+  /**
+   * Leaves the bus. What was said is written out first, or dropped where its recipient is no member, running
+   * the event loop meanwhile; at most 30 s without a connection and 3 s without progress.
+   */
+  ~Context();
+
+  Context(const Context&) = delete;
+  Context& operator=(const Context&) = delete;
+
+  /** Adds a listener, behind those that are there; an empty one is ignored. Not owned. */
+  void Listen(const std::shared_ptr<Listener>& listener);
+
+  /**
+   * Queues a message and returns at once; it is written no earlier than 300 ms after the connection.
+   *
+   * @param recipient The client name of the participant it is for.
+   * @param data      Any bytes.
+   * @return The id under which Listener::OnResult tells its fate; 1 for the first, and so on.
+   */
+  long long Say(const QString& recipient, const QByteArray& data);
+
+  /** @return Whether @p name is a member, this participant itself included. */
+  bool HasMember(const QString& name) const;
+
+  /** @return The names of all members, in ascending order of their UTF-8 bytes. */
+  QList<QString> Members() const;
+
+  /**
+   * Runs the event loop, without sleeping, until @p name is a member.
+   *
+   * @param name    A client name.
+   * @param timeout Milliseconds; 0 or less tests once.
+   * @return Whether @p name is a member. From within a listener's call no new member can appear.
+   */
+  bool WaitMember(const QString& name, long long timeout);
+
+  class Impl;
+
+private:
+  std::shared_ptr<Impl> impl;
+};
+
+} // namespace Tavrik::Bazaar
