@@ -8,12 +8,8 @@ endif()
 
 add_library(TavrikOptions INTERFACE)
 target_compile_options(TavrikOptions INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual
   $<$<BOOL:${TAVRIK_DEVELOPER}>:-Werror>)
-# Precompiled headers and ccache only go together when time stamps are left out of account.
-target_compile_options(TavrikOptions INTERFACE
-  $<$<CXX_COMPILER_ID:Clang,AppleClang>:SHELL:-Xclang -fno-pch-timestamp>
-  $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 target_compile_definitions(TavrikOptions INTERFACE QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
 
 if(TAVRIK_SANITIZE)
