@@ -37,8 +37,8 @@ const QString bus = QStringLiteral("demo");
 struct Guest
 {
   explicit Guest(const QString& name, int flags = 0, const QString& contextName = bus)
-    : recorder(std::make_shared<Recorder>()),
-      context(std::make_unique<Context>(contextName, name, recorder, flags))
+      : recorder(std::make_shared<Recorder>()),
+        context(std::make_unique<Context>(contextName, name, recorder, flags))
   {
   }
 
@@ -105,7 +105,9 @@ TEST(FirstParticipant, NeverReportsItselfAsJoined)
 
 TEST(FirstParticipant, LeavesNoSocketBehind)
 {
-  { const Guest anna(QStringLiteral("anna")); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+  }
   EXPECT_FALSE(QFile::exists(Wire::ServerName(bus)));
 }
 
@@ -174,8 +176,7 @@ TEST(Names, TheSamePairTwiceInOneProcessIsRefusedAndNeverJoins)
   Guest anna(QStringLiteral("anna"));
   const LogCapture log;
   const Guest again(QStringLiteral("anna"));
-  EXPECT_THAT(log.Errors(),
-              ElementsAre("The context name demo is already in use with the client name anna"));
+  EXPECT_THAT(log.Errors(), ElementsAre("The context name demo is already in use with the client name anna"));
   SpinFor(500);
   EXPECT_THAT(again.context->Members(), IsEmpty());
   EXPECT_EQ(log.Errors().size(), 1u);
@@ -183,7 +184,9 @@ TEST(Names, TheSamePairTwiceInOneProcessIsRefusedAndNeverJoins)
 
 TEST(Names, ThePairIsFreeAgainOnceItsContextHasGone)
 {
-  { const Guest anna(QStringLiteral("anna")); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+  }
   const LogCapture log;
   Guest anna(QStringLiteral("anna"));
   EXPECT_TRUE(anna.context->WaitMember(QStringLiteral("anna"), 5000));
@@ -193,9 +196,13 @@ TEST(Names, ThePairIsFreeAgainOnceItsContextHasGone)
 TEST(Names, DestroyingARefusedDuplicateDoesNotFreeTheLivingOnesName)
 {
   const Guest anna(QStringLiteral("anna"));
-  { const Guest again(QStringLiteral("anna")); }
+  {
+    const Guest again(QStringLiteral("anna"));
+  }
   const LogCapture log;
-  { const Guest again(QStringLiteral("anna")); }
+  {
+    const Guest again(QStringLiteral("anna"));
+  }
   EXPECT_EQ(log.Errors().size(), 1u);
 }
 
@@ -249,7 +256,9 @@ TEST(Say, ReachesItsRecipientAndBringsTheSenderAResult)
 {
   Guest anna(QStringLiteral("anna"));
   Guest ben(QStringLiteral("ben"));
-  const QByteArray data("bytes\0of\xff" "any kind", 18);
+  const QByteArray data("bytes\0of\xff"
+                        "any kind",
+                        18);
   EXPECT_EQ(ben.context->Say(QStringLiteral("anna"), data), 1);
   ASSERT_TRUE(ben.Sees("result 1 OK"));
   EXPECT_TRUE(anna.Sees("message ben " + data.toStdString()));
@@ -312,7 +321,8 @@ TEST(Say, CarriesSixteenMebibytesBetweenAnyTwo)
         for (const Guest* guest : guests)
           messages += guest->recorder->Of("message").size();
         return messages == 9;
-      }, 60000));
+      },
+      60000));
   for (const Guest* guest : guests)
     for (const std::string& event : guest->recorder->Of("message"))
       EXPECT_EQ(event.size(), event.find(" m") + 1 + 16 * 1024 * 1024);
@@ -395,13 +405,13 @@ TEST(AboutToQuit, WritesWhatWasSaidAndDropsWhatHasNoRecipient)
 {
   std::unique_ptr<Guest> anna;
   // Connected first, so called first.
-  const auto connection = QObject::connect(qApp, &QCoreApplication::aboutToQuit,
-                                           [&]
-                                           {
-                                             anna->context->Say(QStringLiteral("nobody"), "dropped");
-                                             anna->context->Say(QStringLiteral("ben"),
-                                                                QByteArray(4 * 1024 * 1024, 'q'));
-                                           });
+  const auto connection =
+      QObject::connect(qApp, &QCoreApplication::aboutToQuit,
+                       [&]
+                       {
+                         anna->context->Say(QStringLiteral("nobody"), "dropped");
+                         anna->context->Say(QStringLiteral("ben"), QByteArray(4 * 1024 * 1024, 'q'));
+                       });
   anna = std::make_unique<Guest>(QStringLiteral("anna"));
   Guest ben(QStringLiteral("ben"));
   ASSERT_TRUE(AreMembers({anna.get(), &ben}, {"anna", "ben"}));
@@ -415,7 +425,9 @@ TEST(AboutToQuit, WritesWhatWasSaidAndDropsWhatHasNoRecipient)
 
 TEST(AboutToQuit, NoLongerConcernsAContextThatHasGone)
 {
-  { const Guest anna(QStringLiteral("anna")); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+  }
   QTimer::singleShot(0, [] { QCoreApplication::quit(); });
   EXPECT_EQ(QCoreApplication::exec(), 0);
 }
@@ -485,7 +497,8 @@ TEST(NoServer, WhenItsServerGoesItGivesUpForGoodAndItsMessagesAreNotSent)
   ASSERT_TRUE(SpinUntil([&] { return ben.context->Members().isEmpty(); }));
   EXPECT_THAT(ben.recorder->Of("left"), IsEmpty());
   ASSERT_EQ(log.Warnings().size(), 1u);
-  EXPECT_THAT(log.Warnings().front(), StartsWith("Can't connect to a server and the NO SERVER flag is set (ben)"));
+  EXPECT_THAT(log.Warnings().front(),
+              StartsWith("Can't connect to a server and the NO SERVER flag is set (ben)"));
 
   ben.context->Say(QStringLiteral("anna"), "x");
   EXPECT_TRUE(ben.Sees("result 1 NOT SENT"));
@@ -529,7 +542,10 @@ TEST(OneProcess, MayLeaveAndComeBackAsTheServer)
 
 TEST(OneProcess, ServingForTheSecondTimeReportsItselfAsJoined)
 {
-  { const Guest anna(QStringLiteral("anna")); SpinFor(50); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+    SpinFor(50);
+  }
   Guest again(QStringLiteral("anna"));
   EXPECT_TRUE(again.Sees("joined anna"));
 }
