@@ -45,7 +45,7 @@ protected:
   qint64 readData(char* data, qint64 size) override
   {
     const int taken = static_cast<int>(qMin<qint64>(size, bytes.size()));
-    memcpy(data, bytes.constData(), static_cast<size_t>(taken));
+    std::copy_n(bytes.constData(), taken, data);
     bytes.remove(0, taken);
     return taken;
   }
