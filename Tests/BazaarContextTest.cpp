@@ -3,6 +3,7 @@
 #include <Common/Bazaar.h>
 
 #include "Support/LogCapture.h"
+#include "Support/Peer.h"
 #include "Support/Recorder.h"
 #include "Support/Spin.h"
 #include "Support/Wire.h"
@@ -10,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -560,6 +562,95 @@ TEST(OneProcess, TheFirstOfTwoWhoLeavesHandsTheBusToTheOther)
   EXPECT_EQ(Names(ben.context->Members()), QStringList{"ben"});
   Guest back(QStringLiteral("anna"));
   EXPECT_TRUE(AreMembers({&ben, &back}, {"anna", "ben"}));
+}
+
+// ---- Attempts that fail
+
+// Nothing can be removed, listened on or connected to where a folder stands.
+struct Obstacle
+{
+  Obstacle() { EXPECT_TRUE(QDir().mkdir(Wire::ServerName(bus))); }
+  ~Obstacle() { QDir().rmdir(Wire::ServerName(bus)); }
+};
+
+TEST(FailedStart, IsLoggedAndNeverTriedAgain)
+{
+  auto obstacle = std::make_unique<Obstacle>();
+  const LogCapture log;
+  const Guest anna(QStringLiteral("anna"));
+  ASSERT_EQ(log.Errors().size(), 1u);
+  EXPECT_THAT(log.Errors().front(),
+              testing::MatchesRegex("anna couldn't connect to the server \\(0x[0-9a-f]+\\)"));
+  obstacle.reset();
+  SpinFor(500);
+  EXPECT_THAT(anna.context->Members(), IsEmpty());
+  EXPECT_EQ(log.Lines().size(), 1u);
+}
+
+TEST(FailedReconnection, IsTriedAgainUntilItWorks)
+{
+  auto anna = std::make_unique<Guest>(QStringLiteral("anna"));
+  Guest ben(QStringLiteral("ben"));
+  ASSERT_TRUE(AreMembers({anna.get(), &ben}, {"anna", "ben"}));
+  anna.reset();
+  auto obstacle = std::make_unique<Obstacle>();
+  const LogCapture log;
+  ASSERT_TRUE(SpinUntil([&] { return log.Errors().size() >= 2; }));
+  EXPECT_FALSE(ben.recorder->Has("left anna"));
+  obstacle.reset();
+  EXPECT_TRUE(ben.Sees("left anna"));
+  EXPECT_EQ(Names(ben.context->Members()), QStringList{"ben"});
+}
+
+TEST(Destructor, GivesUpAQueueAfterThirtySecondsWithoutAConnection)
+{
+  auto anna = std::make_unique<Guest>(QStringLiteral("anna"));
+  auto ben = std::make_unique<Guest>(QStringLiteral("ben"));
+  ASSERT_TRUE(AreMembers({anna.get(), ben.get()}, {"anna", "ben"}));
+  anna.reset();
+  const Obstacle obstacle;
+  // Anna is still believed to be a member, so her message is not dropped for want of a recipient.
+  ben->context->Say(QStringLiteral("anna"), "x");
+  QElapsedTimer timer;
+  timer.start();
+  ben.reset();
+  EXPECT_GE(timer.elapsed(), 30000);
+}
+
+TEST(Destructor, GivesUpUnwrittenBytesWhenTheServerStandsStill)
+{
+  Peer server(bus, QStringLiteral("server"));
+  ASSERT_TRUE(server.IsReady());
+  auto ben = std::make_unique<Guest>(QStringLiteral("ben"));
+  ASSERT_TRUE(SpinUntil([&] { return ben->context->HasMember(QStringLiteral("server")); }));
+  SpinFor(350);
+  server.Stop();
+  ben->context->Say(QStringLiteral("server"), QByteArray(16 * 1024 * 1024, 'x'));
+  QElapsedTimer timer;
+  timer.start();
+  ben.reset();
+  EXPECT_GE(timer.elapsed(), 2900);
+  EXPECT_LT(timer.elapsed(), 25000);
+  server.Continue();
+  EXPECT_TRUE(server.Quit());
+}
+
+TEST(Drain, WithinACallWritesTheRest)
+{
+  Guest anna(QStringLiteral("anna"));
+  auto ben = std::make_unique<Guest>(QStringLiteral("ben"));
+  // Ben's own timer stands still while he is in this call, and his connection has not settled yet.
+  const auto heard = ben->recorder;
+  heard->onEvent = [&](const std::string& event)
+  {
+    if (event != "message anna x" || !ben)
+      return;
+    for (int i = 0; i < 5; ++i)
+      ben->context->Say(QStringLiteral("anna"), QByteArray::number(i));
+    ben.reset();
+  };
+  anna.context->Say(QStringLiteral("ben"), "x");
+  EXPECT_TRUE(anna.Sees("message ben 4"));
 }
 
 TEST(Listener, EmptyOnesAreIgnoredAndTheSameTwiceIsCalledTwice)

@@ -842,6 +842,84 @@ TEST_F(Queue, AMessageTooLongForAPacketIsNotSent)
   EXPECT_THAT(recorder->events, ElementsAre("result 1 NOT SENT"));
 }
 
+// ---- Ticks
+
+TEST_F(InsideTest, AfterAReconnectionATickComesTwice)
+{
+  const auto server = std::make_shared<Context::Impl>(QStringLiteral("demo"), QStringLiteral("server"), 0);
+  ASSERT_TRUE(server->Init());
+  ASSERT_TRUE(impl->Init());
+  ASSERT_TRUE(SpinUntil([&] { return impl->HasMember("server") && impl->isSettled; }));
+
+  // Each flush answers the message that no packet holds, and finds another the next time.
+  int flushes = 0;
+  recorder->onEvent = [&](const std::string& event)
+  {
+    flushes += event == "result 1 NOT SENT" ? 1 : 0;
+    impl->pending = {{1, "x", QByteArray()}};
+  };
+  const auto flushesPerTick = [&]
+  {
+    int ticks = 0;
+    const auto probe = QObject::connect(&impl->socketTimer, &QTimer::timeout, [&] { ++ticks; });
+    impl->pending = {{1, "x", QByteArray()}};
+    flushes = 0;
+    const bool isDone = SpinUntil([&] { return ticks == 10; });
+    QObject::disconnect(probe);
+    impl->pending.clear();
+    return isDone ? flushes / 10.0 : 0.0;
+  };
+  EXPECT_EQ(flushesPerTick(), 1.0);
+  impl->pending.clear();
+  server->Leave();
+  ASSERT_TRUE(
+      SpinUntil([&] { return impl->server != nullptr && impl->isSettled && !impl->HasMember("server"); }));
+  EXPECT_EQ(flushesPerTick(), 2.0);
+  recorder->onEvent = nullptr;
+  impl->pending.clear();
+  impl->Leave();
+}
+
+TEST_F(InsideTest, AReadThatTimedOutBreaksNoConnection)
+{
+  ASSERT_TRUE(impl->Init());
+  while (impl->socket->waitForReadyRead(1))
+    continue;
+  EXPECT_EQ(impl->socket->error(), QLocalSocket::SocketTimeoutError);
+  EXPECT_FALSE(impl->reconnectRequested);
+  EXPECT_TRUE(QFile::exists(impl->serverName));
+  impl->Leave();
+}
+
+TEST_F(InsideTest, ADeferredStatusGoesWithItsConnection)
+{
+  const auto server = std::make_shared<Context::Impl>(QStringLiteral("demo"), QStringLiteral("server"), 0);
+  ASSERT_TRUE(server->Init());
+  ASSERT_TRUE(impl->Init());
+  impl->deferredStatus = {"phantom"};
+  server->Leave();
+  ASSERT_TRUE(SpinUntil([&] { return impl->server != nullptr && impl->isSettled; }));
+  EXPECT_FALSE(recorder->Has("joined phantom"));
+  EXPECT_FALSE(impl->HasMember("phantom"));
+  impl->Leave();
+}
+
+TEST_F(InsideTest, TheSettleTimeCountsFromTheNewConnectionInTheTickThatReconnects)
+{
+  const auto server = std::make_shared<Context::Impl>(QStringLiteral("demo"), QStringLiteral("server"), 0);
+  ASSERT_TRUE(server->Init());
+  ASSERT_TRUE(impl->Init());
+  ASSERT_TRUE(SpinUntil([&] { return impl->HasMember("server") && impl->isSettled; }));
+  server->Leave();
+  impl->ScheduleReconnect();
+  impl->Say("anna", "x");
+  impl->CheckSocket();
+  EXPECT_FALSE(impl->isSettled);
+  EXPECT_EQ(impl->pending.size(), 1);
+  impl->pending.clear();
+  impl->Leave();
+}
+
 // ---- Routing
 
 struct Routing : InsideTest
