@@ -26,7 +26,9 @@ protected:
 
   bool IsTakenForADirectory(const QString& path)
   {
-    EXPECT_EQ(CFURLCreateFromPath(path), &someURL);
+    const CFURLRef url = CFURLCreateFromPath(path);
+    EXPECT_EQ(url, &someURL);
+    CFRelease(url);
     EXPECT_EQ(requestedURL.bytes, path.toUtf8());
     return requestedURL.isDirectory;
   }
@@ -36,9 +38,11 @@ protected:
 
 TEST_F(CFURLCreateFromPathTest, PassesTheUtf8BytesAndTheirCountToTheDefaultAllocator)
 {
-  EXPECT_EQ(CFURLCreateFromPath(QString::fromUtf8("/none/é/数据/𝄞")), &someURL);
+  const CFURLRef url = CFURLCreateFromPath(QString::fromUtf8("/none/é/数据/𝄞"));
+  EXPECT_EQ(url, &someURL);
   EXPECT_THAT(calls, ElementsAre("CFURLCreateFromFileSystemRepresentation default 20 0"));
   EXPECT_EQ(requestedURL.bytes, "/none/\xc3\xa9/\xe6\x95\xb0\xe6\x8d\xae/\xf0\x9d\x84\x9e");
+  CFRelease(url);
 }
 
 TEST_F(CFURLCreateFromPathTest, AsksTheFileSystemWhatIsADirectory)
@@ -61,8 +65,9 @@ TEST_F(CFURLCreateFromPathTest, TakesWhatDoesNotExistForAFile)
 
 TEST_F(CFURLCreateFromPathTest, LeavesTheUrlToTheCaller)
 {
-  CFURLCreateFromPath("/");
+  const CFURLRef url = CFURLCreateFromPath("/");
   EXPECT_THAT(calls, ElementsAre("CFURLCreateFromFileSystemRepresentation default 1 1"));
+  CFRelease(url);
 }
 
 TEST_F(CFURLCreateFromPathTest, GivesNullWhereTheSystemMakesNoUrl)
