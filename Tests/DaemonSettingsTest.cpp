@@ -414,7 +414,7 @@ TEST(DaemonSettings, OfAGarbledStoreAreTheDefaults)
   QDir().mkpath(QFileInfo(name).path());
   QFile file(name);
   ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write(QByteArray("\0\xff[[[=\n]%x=\\x\n\"", 17).repeated(100));
+  file.write(QByteArray("\0\xff[[[=\n]%x=\\x\n\"", 15).repeated(100));
   file.close();
   const DaemonSettings settings;
   EXPECT_TRUE(settings.GetNeedToWatchRAMFlag());
