@@ -10,14 +10,12 @@ namespace Tavrik::Platform
 namespace
 {
 
-QStringList BundleFolders(QString folder)
+void AddBundleFolders(QString folder, QStringList* folders)
 {
-  QStringList folders;
   for (QFileInfo info(folder); info.path() != folder; folder = info.path(), info.setFile(folder))
     if (info.fileName() == QLatin1String("Contents"))
       for (const char* const place : {"MacOS", "Helpers", "Resources"})
-        folders << folder + QLatin1Char('/') + QLatin1String(place);
-  return folders;
+        *folders << folder + QLatin1Char('/') + QLatin1String(place);
 }
 
 } // namespace
@@ -27,7 +25,8 @@ QStringList GetHelperFolders(const QString& executableFolder)
   QStringList folders;
   if (!executableFolder.isEmpty())
   {
-    folders << executableFolder << BundleFolders(executableFolder);
+    folders << executableFolder;
+    AddBundleFolders(executableFolder, &folders);
     folders << QDir::cleanPath(executableFolder + QStringLiteral("/" TAVRIK_LIBEXEC_FROM_BIN));
   }
   folders << QStringLiteral(TAVRIK_LIBEXEC);
