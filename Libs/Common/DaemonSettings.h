@@ -1,0 +1,129 @@
+#pragma once
+
+#include <Common/Export.h>
+
+#include <QDate>
+#include <QPair>
+#include <QSettings>
+#include <QString>
+#include <QVariant>
+
+/**
+ * @file
+ * The settings that the application writes and its scheduler obeys.
+ */
+namespace Tavrik::Cleaner
+{
+
+/** The application's reverse-DNS bundle identifier. */
+extern TAVRIK_COMMON_EXPORT const QString applicationId;
+
+/// @name Keys of the store
+/// For hosts that read with QSettings themselves or write with DaemonSettings::WriteSettings.
+/// @{
+extern TAVRIK_COMMON_EXPORT const QString KeyNeedToWatchTrash;                    ///< bool
+extern TAVRIK_COMMON_EXPORT const QString KeyNeedToWatchDiskSpace;                ///< bool
+extern TAVRIK_COMMON_EXPORT const QString KeyNeedToWatchRAM;                      ///< bool
+extern TAVRIK_COMMON_EXPORT const QString KeyNeedToRemindAboutRegularMaintenance; ///< bool
+extern TAVRIK_COMMON_EXPORT const QString KeyTrashSizeLimit;                      ///< bytes, decimal text
+extern TAVRIK_COMMON_EXPORT const QString KeyFreeDiskSpaceLimit;                  ///< bytes, decimal text
+extern TAVRIK_COMMON_EXPORT const QString KeyFreeRAMLimit;                        ///< fraction, decimal text
+extern TAVRIK_COMMON_EXPORT const QString KeyPreviousRegularMaintenanceEvent;     ///< ISO 8601 date or empty
+extern TAVRIK_COMMON_EXPORT const QString KeyNextRegularMaintenanceEvent;         ///< ISO 8601 date or empty
+extern TAVRIK_COMMON_EXPORT const QString KeyregularMaintenanceRemindPeriod;      ///< RemindPeriod as int
+extern TAVRIK_COMMON_EXPORT const QString KeyCleanerPath;                         ///< path of the application
+extern TAVRIK_COMMON_EXPORT const QString KeyNeedToWatchApplicationRempve;        ///< bool
+extern TAVRIK_COMMON_EXPORT const QString KeyHelpUrl;                             ///< text
+/// @}
+
+/**
+ * One user's settings, shared by every process of that user.
+ *
+ * A setter writes through to the store, a getter looks at the store again first, so instances of different
+ * processes agree without telling each other. Writers wait for each other: for at most 5 s, usually for well
+ * under a millisecond. Nothing throws and no error is reported: what is missing or unreadable reads as its
+ * default, and a value that cannot be written is kept by this process and tried again with the next access.
+ *
+ * An instance is used by one thread at a time.
+ */
+class TAVRIK_COMMON_EXPORT DaemonSettings
+{
+public:
+  /** How often to remind of the regular maintenance; the values are those of the store. */
+  enum RemindPeriod : int
+  {
+    Weekly = 0,
+    EveryTwoWeeks = 1,
+    Monthly = 2,
+    EveryThreeMonths = 3,
+    EverySixMonths = 4,
+    Annually = 5
+  };
+
+  DaemonSettings();
+
+  DaemonSettings(const DaemonSettings&) = delete;
+  DaemonSettings& operator=(const DaemonSettings&) = delete;
+
+  bool GetNeedToWatchTrashFlag() const;
+  bool GetNeedToWatchDiskSpaceFlag() const;
+  bool GetNeedToWatchRAMFlag() const;
+  bool GetNeedToRemindAboutRegularMaintenanceFlag() const;
+  bool GetNeedToWatchApplicationRemoveFlag() const;
+
+  void SetNeedToWatchTrashFlag(bool flag);
+  void SetNeedToWatchDiskSpaceFlag(bool flag);
+  void SetNeedToWatchRAMFlag(bool flag);
+  void SetNeedToRemindAboutRegularMaintenanceFlag(bool flag);
+  void SetNeedToWatchApplicationRemoveFlag(bool flag);
+
+  /** @return Bytes; 0 when the store holds something that is no number. */
+  long long GetTrashSizeLimit() const;
+  /** @return Bytes; 0 when the store holds something that is no number. */
+  long long GetFreeDiskSpaceLimit() const;
+  /** @return A fraction of the physical memory; 0 when the store holds something that is no number. */
+  float GetFreeRAMLimit() const;
+
+  void SetTrashSizeLimit(long long bytes);
+  void SetFreeDiskSpaceLimit(long long bytes);
+  void SetFreeRAMLimit(float fraction);
+
+  /** @return What the store holds, which may be none of the enumerators. */
+  RemindPeriod GetRegularMaintenanceRemindPeriod() const;
+  void SetRegularMaintenanceRemindPeriod(RemindPeriod period);
+
+  /** Stores the text as it is. */
+  void SetNextEventDate(const QString& date);
+  /** Stores the text as it is. */
+  void SetPrevEventDate(const QString& date);
+  /** Stores an empty text for a date that ISO 8601 cannot write: an invalid one, or a year outside 0 to 9999.
+   */
+  void SetNextEventDate(const QDate& date);
+  /** @copydoc SetNextEventDate(const QDate&) */
+  void SetPrevEventDate(const QDate& date);
+
+  /**
+   * @return The previous and the next event. Both are invalid when no next event is stored; otherwise each
+   *         is invalid where its text is no date.
+   */
+  QPair<QDate, QDate> PrevNextEventDates() const;
+
+  /** Writes any key of the store. */
+  void WriteSettings(const QString& key, const QVariant& value);
+
+  /** @return The period in the user's language; null for a value that is no period. */
+  QString RemindPeriodToString(RemindPeriod period) const;
+
+  /**
+   * @return @p date plus one @p period; @p date itself for a value that is no period; an invalid date where
+   *         QDate ends.
+   */
+  QDate CalculateNextEventFromGiven(const QDate& date, RemindPeriod period) const;
+
+private:
+  QVariant Read(const QString& key, const QVariant& fallback) const;
+
+  mutable QSettings settings; // a const getter has to look at the store again
+};
+
+} // namespace Tavrik::Cleaner

@@ -1,0 +1,65 @@
+#include <Common/Platform/SettingsStore.h>
+
+#include <QDateTime>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+// QSettings reads its file again only when the size or the time of modification, in milliseconds, is not what
+// it was. The kernel's clock for that time ticks every few milliseconds, so two changes of one length within
+// a tick look alike: a reader misses the second, and a writer that misses it writes the first one's state
+// back. Hence writers follow each other under a lock, and each leaves a time that no earlier state had.
+
+namespace Tavrik::Platform
+{
+
+namespace
+{
+
+const int longestWait = 5000;        // ms; a stopped process must not stop the others for ever
+const useconds_t betweenTries = 500; // µs; about as long as a change takes
+
+// The lock is on the folder, so that nothing is left behind and the end of the process ends it.
+int Lock(const QString& folder)
+{
+  QDir().mkpath(folder);
+  const int descriptor = open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  QElapsedTimer timer;
+  timer.start();
+  while (descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0 && timer.elapsed() < longestWait)
+    usleep(betweenTries);
+  return descriptor;
+}
+
+qint64 ModificationTime(const QString& file)
+{
+  const QFileInfo info(file);
+  return info.exists() ? info.lastModified().toMSecsSinceEpoch() : 0;
+}
+
+void SetModificationTime(const QString& file, qint64 milliseconds)
+{
+  QFile changed(file);
+  if (changed.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+    changed.setFileTime(QDateTime::fromMSecsSinceEpoch(milliseconds), QFileDevice::FileModificationTime);
+}
+
+} // namespace
+
+void ChangeStore(const QString& fileName, const std::function<void()>& change)
+{
+  const int lock = Lock(QFileInfo(fileName).absolutePath());
+  const qint64 before = ModificationTime(fileName);
+  change();
+  SetModificationTime(fileName, std::max(QDateTime::currentMSecsSinceEpoch(), before + 1));
+  if (lock >= 0)
+    close(lock);
+}
+
+} // namespace Tavrik::Platform
