@@ -1,7 +1,7 @@
 # Builds for macOS on Linux, with the compiler that Scripts/check-macos installs.
 #
-# The system's own headers and the C++ library come with the compiler; Qt, Boost and glog are this machine's
-# headers, see packages/. What the link leaves open is read by Scripts/check-macos.
+# The system's own headers and the C++ library come with the compiler; Qt, Boost and the like are this
+# machine's headers, see packages/. What the link leaves open is read by Scripts/check-macos.
 
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
@@ -58,6 +58,6 @@ set(CMAKE_SHARED_LINKER_FLAGS_INIT "-Wl,-undefined,dynamic_lookup -F${CMAKE_CURR
 # This linker leaves functions open in libraries only, so a program is linked as one: nobody runs it here.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-dynamiclib ${CMAKE_SHARED_LINKER_FLAGS_INIT}")
 
-set(Qt5_DIR ${CMAKE_CURRENT_LIST_DIR}/packages/Qt5)
-set(Boost_DIR ${CMAKE_CURRENT_LIST_DIR}/packages/Boost)
-set(glog_DIR ${CMAKE_CURRENT_LIST_DIR}/packages/glog)
+foreach(package Qt5 Boost glog CLI11)
+  set(${package}_DIR ${CMAKE_CURRENT_LIST_DIR}/packages/${package})
+endforeach()
