@@ -53,8 +53,8 @@ string(JOIN " " CMAKE_CXX_FLAGS_INIT
   -D_LIBCPP_ENABLE_CXX17_REMOVED_UNARY_BINARY_FUNCTION
   -U_LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS
   -Wunguarded-availability
-  -I${root}/Tests/Darwin/include)
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-Wl,-undefined,dynamic_lookup -F${CMAKE_CURRENT_LIST_DIR}/frameworks")
+  "-I\"${root}/Tests/Darwin/include\"")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-Wl,-undefined,dynamic_lookup -F\"${CMAKE_CURRENT_LIST_DIR}/frameworks\"")
 # This linker leaves functions open in libraries only, so a program is linked as one: nobody runs it here.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-dynamiclib ${CMAKE_SHARED_LINKER_FLAGS_INIT}")
 
