@@ -1,6 +1,7 @@
 #include <Common/Platform/LocalPeer.h>
 
 #include <sys/sysctl.h>
+#include <sys/ucred.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -74,10 +75,10 @@ int DarwinGetSocketOption(int socket, int level, int name, void* value, socklen_
   return 0;
 }
 
-int sysctl(int* name, u_int nameLength, void* old, size_t* oldLength, void* fresh, size_t freshLength)
+int sysctl(int* name, unsigned int nameLength, void* old, size_t* oldLength, void* fresh, size_t freshLength)
 {
   std::ostringstream names;
-  for (u_int index = 0; index < nameLength; ++index)
+  for (unsigned int index = 0; index < nameLength; ++index)
     names << (index == 0 ? "" : ".") << name[index];
   Record("sysctl", names.str(), *oldLength == sizeof(kinfo_proc), fresh == nullptr, freshLength);
   if (!asked->mayLook)

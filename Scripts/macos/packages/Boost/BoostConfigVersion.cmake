@@ -1,6 +1,2 @@
-file(STRINGS /usr/include/boost/version.hpp line REGEX "define BOOST_LIB_VERSION ")
-string(REGEX MATCH "[0-9]+_[0-9_]+" PACKAGE_VERSION "${line}")
-string(REPLACE "_" "." PACKAGE_VERSION "${PACKAGE_VERSION}")
-if(PACKAGE_VERSION VERSION_GREATER_EQUAL PACKAGE_FIND_VERSION)
-  set(PACKAGE_VERSION_COMPATIBLE TRUE)
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/../Version.cmake)
+tavrik_check_version(/usr/include/boost/version.hpp BOOST_LIB_VERSION)

@@ -1,6 +1,2 @@
-file(STRINGS /usr/include/CLI/Version.hpp line REGEX "define CLI11_VERSION ")
-string(REGEX MATCH "[0-9][0-9.]*\"$" PACKAGE_VERSION "${line}")
-string(REPLACE "\"" "" PACKAGE_VERSION "${PACKAGE_VERSION}")
-if(PACKAGE_VERSION VERSION_GREATER_EQUAL PACKAGE_FIND_VERSION)
-  set(PACKAGE_VERSION_COMPATIBLE TRUE)
-endif()
+include(${CMAKE_CURRENT_LIST_DIR}/../Version.cmake)
+tavrik_check_version(/usr/include/CLI/Version.hpp CLI11_VERSION)
