@@ -1,7 +1,7 @@
 #pragma once
 
-// What the Darwin sources ask about a socket's peer, for building them elsewhere. The calls that this system has
-// as well go by another name, so that nobody but the tested source meets the doubles.
+// What the Darwin sources ask about a socket's peer, for building them elsewhere. The calls that this system
+// has as well go by another name, so that nobody but the tested source meets the doubles.
 
 #include <csignal>
 #include <sys/socket.h>
