@@ -11,6 +11,7 @@
 #include <climits>
 #include <cstdlib>
 #include <fcntl.h>
+#include <grp.h>
 #include <pthread.h>
 #include <random>
 #include <string>
@@ -110,6 +111,18 @@ TEST_F(AccessChecksAsOthersTest, AFileOfASupplementaryGroupCanBeRead)
                       EXPECT_TRUE(CanRead(Path("file")));
                       EXPECT_FALSE(CanWrite(Path("file")));
                     }));
+}
+
+TEST_F(AccessChecksAsOthersTest, RootsSupplementaryGroupsCountToo)
+{
+  MakeFile("file", stranger, supplementary, 0640);
+  EXPECT_FALSE(CanRead(Path("file")));
+  EXPECT_TRUE(RunInChild(
+      [this]
+      {
+        ASSERT_EQ(setgroups(1, &supplementary), 0);
+        EXPECT_TRUE(CanRead(Path("file")));
+      }));
 }
 
 TEST_F(AccessChecksAsOthersTest, AFileOfTheEffectiveGroupCanBeWritten)
@@ -214,6 +227,12 @@ TEST_F(AccessChecksAsOthersTest, RootCanReadItsOwnFileWhateverTheBits)
 {
   MakeFile("file", 0, 0, 0);
   EXPECT_TRUE(CanRead(Path("file"))) << "Qt's user flags say what the real user may, and root may all";
+}
+
+TEST_F(AccessChecksTest, ThisProcessIsInItsOwnGroupAndNotInEvery)
+{
+  EXPECT_TRUE(CheckGroups(getegid()));
+  EXPECT_FALSE(CheckGroups(foreignGroup));
 }
 
 TEST_F(AccessChecksTest, AMissingFileCanBeNeitherReadNorWritten)
@@ -365,6 +384,22 @@ TEST_F(WholeDirectoryTest, AWritableTreeCanBeRemoved)
   EXPECT_TRUE(IsRemovable("top/tree/file", true));
 }
 
+TEST_F(WholeDirectoryTest, ATreeOfThisProcessCanBeRemoved)
+{
+  std::string path = "own";
+  for (int depth = 0; depth < 20; ++depth, path += "/d")
+  {
+    MakeFolder(path, geteuid(), getegid(), 0700);
+    MakeFile(path + "/file", geteuid(), getegid(), 0600);
+    MakeFolder(path + "/e", geteuid(), getegid(), 0700);
+  }
+  EXPECT_TRUE(CanRemoveWholeDirectory(Path("own/d")));
+  EXPECT_TRUE(CanRemoveWholeDirectory(Path("own/d/file")));
+  Own("own/d/d/d/d/d/d/d/d/d/d/d/d", stranger, foreignGroup, 0500);
+  EXPECT_FALSE(CanRemoveWholeDirectory(Path("own/d")));
+  Own("own/d/d/d/d/d/d/d/d/d/d/d/d", geteuid(), getegid(), 0700);
+}
+
 TEST_F(WholeDirectoryTest, AFolderWhoseOwnParentIsClosedCannotBeRemoved)
 {
   Own("top", user, group, 0500);
@@ -465,13 +500,19 @@ TEST_F(WholeDirectoryTest, ARelativePathWithAFolderIsWalked)
       }));
 }
 
-// In a child, so that this process stays where it is.
+const int crowdedLevels = 300;
+const char* const siblings[] = {"a", "b", "c", "e", "f"};
+
+// In a child, so that this process stays where it is. The siblings see to it that a walk which goes down at
+// once has not yet read the level above to its end.
 void MakeChain(const std::string& base, int depth)
 {
   ASSERT_EQ(chdir(base.c_str()), 0);
   for (int i = 0; i < depth; ++i)
   {
     ASSERT_EQ(mkdir("d", 0700), 0);
+    for (const char* const sibling : siblings)
+      ASSERT_TRUE(i >= crowdedLevels || symlink(".", sibling) == 0);
     ASSERT_EQ(chdir("d"), 0);
   }
 }
@@ -481,10 +522,12 @@ void RemoveChain(const std::string& base, int depth)
   ASSERT_EQ(chdir(base.c_str()), 0);
   for (int i = 0; i < depth; ++i)
     ASSERT_EQ(chdir("d"), 0);
-  for (int i = 0; i < depth; ++i)
+  for (int i = depth; i-- > 0;)
   {
     ASSERT_EQ(chdir(".."), 0);
     ASSERT_EQ(rmdir("d"), 0);
+    for (const char* const sibling : siblings)
+      ASSERT_TRUE(i >= crowdedLevels || unlink(sibling) == 0);
   }
 }
 
@@ -535,6 +578,22 @@ TEST_F(WholeDirectoryTest, ADeepTreeTakesLittleStackAndFewDescriptors)
         ASSERT_EQ(chmod(path.c_str(), 0700), 0);
       }));
   EXPECT_TRUE(AsSomeone([&] { RemoveChain(At("top/tree"), depth); }));
+}
+
+TEST_F(WholeDirectoryTest, AFolderThatCannotBeOpenedCountsAsEmpty)
+{
+  MakeOwnFolder("top/tree/a");
+  MakeOwnFile("top/tree/a/file");
+  Own("top/tree/a", user, group, 0500);
+  EXPECT_TRUE(AsSomeone(
+      [this]
+      {
+        EXPECT_FALSE(CanRemoveWholeDirectory(Path("top/tree")));
+        const rlimit none{0, 0};
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+        EXPECT_TRUE(CanRemoveWholeDirectory(Path("top/tree")));
+      }));
+  Own("top/tree/a", user, group, 0700);
 }
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
