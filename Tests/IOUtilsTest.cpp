@@ -59,7 +59,8 @@ protected:
     if (current.isEmpty() && polled && !pieces.empty())
       Next();
     const int taken = static_cast<int>(qMin<qint64>(size, current.size()));
-    memcpy(data, current.constData(), static_cast<size_t>(taken));
+    if (taken > 0)
+      memcpy(data, current.constData(), static_cast<size_t>(taken));
     current.remove(0, taken);
     return taken;
   }
