@@ -3,6 +3,7 @@
 #include <Common/Bazaar.h>
 
 #include "Support/LogCapture.h"
+#include "Support/Peer.h"
 #include "Support/Recorder.h"
 #include "Support/Spin.h"
 #include "Support/Wire.h"
@@ -10,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -37,8 +39,8 @@ const QString bus = QStringLiteral("demo");
 struct Guest
 {
   explicit Guest(const QString& name, int flags = 0, const QString& contextName = bus)
-    : recorder(std::make_shared<Recorder>()),
-      context(std::make_unique<Context>(contextName, name, recorder, flags))
+      : recorder(std::make_shared<Recorder>()),
+        context(std::make_unique<Context>(contextName, name, recorder, flags))
   {
   }
 
@@ -105,7 +107,9 @@ TEST(FirstParticipant, NeverReportsItselfAsJoined)
 
 TEST(FirstParticipant, LeavesNoSocketBehind)
 {
-  { const Guest anna(QStringLiteral("anna")); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+  }
   EXPECT_FALSE(QFile::exists(Wire::ServerName(bus)));
 }
 
@@ -174,8 +178,7 @@ TEST(Names, TheSamePairTwiceInOneProcessIsRefusedAndNeverJoins)
   Guest anna(QStringLiteral("anna"));
   const LogCapture log;
   const Guest again(QStringLiteral("anna"));
-  EXPECT_THAT(log.Errors(),
-              ElementsAre("The context name demo is already in use with the client name anna"));
+  EXPECT_THAT(log.Errors(), ElementsAre("The context name demo is already in use with the client name anna"));
   SpinFor(500);
   EXPECT_THAT(again.context->Members(), IsEmpty());
   EXPECT_EQ(log.Errors().size(), 1u);
@@ -183,7 +186,9 @@ TEST(Names, TheSamePairTwiceInOneProcessIsRefusedAndNeverJoins)
 
 TEST(Names, ThePairIsFreeAgainOnceItsContextHasGone)
 {
-  { const Guest anna(QStringLiteral("anna")); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+  }
   const LogCapture log;
   Guest anna(QStringLiteral("anna"));
   EXPECT_TRUE(anna.context->WaitMember(QStringLiteral("anna"), 5000));
@@ -193,9 +198,13 @@ TEST(Names, ThePairIsFreeAgainOnceItsContextHasGone)
 TEST(Names, DestroyingARefusedDuplicateDoesNotFreeTheLivingOnesName)
 {
   const Guest anna(QStringLiteral("anna"));
-  { const Guest again(QStringLiteral("anna")); }
+  {
+    const Guest again(QStringLiteral("anna"));
+  }
   const LogCapture log;
-  { const Guest again(QStringLiteral("anna")); }
+  {
+    const Guest again(QStringLiteral("anna"));
+  }
   EXPECT_EQ(log.Errors().size(), 1u);
 }
 
@@ -249,7 +258,9 @@ TEST(Say, ReachesItsRecipientAndBringsTheSenderAResult)
 {
   Guest anna(QStringLiteral("anna"));
   Guest ben(QStringLiteral("ben"));
-  const QByteArray data("bytes\0of\xff" "any kind", 18);
+  const QByteArray data("bytes\0of\xff"
+                        "any kind",
+                        18);
   EXPECT_EQ(ben.context->Say(QStringLiteral("anna"), data), 1);
   ASSERT_TRUE(ben.Sees("result 1 OK"));
   EXPECT_TRUE(anna.Sees("message ben " + data.toStdString()));
@@ -312,7 +323,8 @@ TEST(Say, CarriesSixteenMebibytesBetweenAnyTwo)
         for (const Guest* guest : guests)
           messages += guest->recorder->Of("message").size();
         return messages == 9;
-      }, 60000));
+      },
+      60000));
   for (const Guest* guest : guests)
     for (const std::string& event : guest->recorder->Of("message"))
       EXPECT_EQ(event.size(), event.find(" m") + 1 + 16 * 1024 * 1024);
@@ -395,13 +407,13 @@ TEST(AboutToQuit, WritesWhatWasSaidAndDropsWhatHasNoRecipient)
 {
   std::unique_ptr<Guest> anna;
   // Connected first, so called first.
-  const auto connection = QObject::connect(qApp, &QCoreApplication::aboutToQuit,
-                                           [&]
-                                           {
-                                             anna->context->Say(QStringLiteral("nobody"), "dropped");
-                                             anna->context->Say(QStringLiteral("ben"),
-                                                                QByteArray(4 * 1024 * 1024, 'q'));
-                                           });
+  const auto connection =
+      QObject::connect(qApp, &QCoreApplication::aboutToQuit,
+                       [&]
+                       {
+                         anna->context->Say(QStringLiteral("nobody"), "dropped");
+                         anna->context->Say(QStringLiteral("ben"), QByteArray(4 * 1024 * 1024, 'q'));
+                       });
   anna = std::make_unique<Guest>(QStringLiteral("anna"));
   Guest ben(QStringLiteral("ben"));
   ASSERT_TRUE(AreMembers({anna.get(), &ben}, {"anna", "ben"}));
@@ -415,7 +427,9 @@ TEST(AboutToQuit, WritesWhatWasSaidAndDropsWhatHasNoRecipient)
 
 TEST(AboutToQuit, NoLongerConcernsAContextThatHasGone)
 {
-  { const Guest anna(QStringLiteral("anna")); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+  }
   QTimer::singleShot(0, [] { QCoreApplication::quit(); });
   EXPECT_EQ(QCoreApplication::exec(), 0);
 }
@@ -485,7 +499,8 @@ TEST(NoServer, WhenItsServerGoesItGivesUpForGoodAndItsMessagesAreNotSent)
   ASSERT_TRUE(SpinUntil([&] { return ben.context->Members().isEmpty(); }));
   EXPECT_THAT(ben.recorder->Of("left"), IsEmpty());
   ASSERT_EQ(log.Warnings().size(), 1u);
-  EXPECT_THAT(log.Warnings().front(), StartsWith("Can't connect to a server and the NO SERVER flag is set (ben)"));
+  EXPECT_THAT(log.Warnings().front(),
+              StartsWith("Can't connect to a server and the NO SERVER flag is set (ben)"));
 
   ben.context->Say(QStringLiteral("anna"), "x");
   EXPECT_TRUE(ben.Sees("result 1 NOT SENT"));
@@ -529,7 +544,10 @@ TEST(OneProcess, MayLeaveAndComeBackAsTheServer)
 
 TEST(OneProcess, ServingForTheSecondTimeReportsItselfAsJoined)
 {
-  { const Guest anna(QStringLiteral("anna")); SpinFor(50); }
+  {
+    const Guest anna(QStringLiteral("anna"));
+    SpinFor(50);
+  }
   Guest again(QStringLiteral("anna"));
   EXPECT_TRUE(again.Sees("joined anna"));
 }
@@ -544,6 +562,95 @@ TEST(OneProcess, TheFirstOfTwoWhoLeavesHandsTheBusToTheOther)
   EXPECT_EQ(Names(ben.context->Members()), QStringList{"ben"});
   Guest back(QStringLiteral("anna"));
   EXPECT_TRUE(AreMembers({&ben, &back}, {"anna", "ben"}));
+}
+
+// ---- Attempts that fail
+
+// Nothing can be removed, listened on or connected to where a folder stands.
+struct Obstacle
+{
+  Obstacle() { EXPECT_TRUE(QDir().mkdir(Wire::ServerName(bus))); }
+  ~Obstacle() { QDir().rmdir(Wire::ServerName(bus)); }
+};
+
+TEST(FailedStart, IsLoggedAndNeverTriedAgain)
+{
+  auto obstacle = std::make_unique<Obstacle>();
+  const LogCapture log;
+  const Guest anna(QStringLiteral("anna"));
+  ASSERT_EQ(log.Errors().size(), 1u);
+  EXPECT_THAT(log.Errors().front(),
+              testing::MatchesRegex("anna couldn't connect to the server \\(0x[0-9a-f]+\\)"));
+  obstacle.reset();
+  SpinFor(500);
+  EXPECT_THAT(anna.context->Members(), IsEmpty());
+  EXPECT_EQ(log.Lines().size(), 1u);
+}
+
+TEST(FailedReconnection, IsTriedAgainUntilItWorks)
+{
+  auto anna = std::make_unique<Guest>(QStringLiteral("anna"));
+  Guest ben(QStringLiteral("ben"));
+  ASSERT_TRUE(AreMembers({anna.get(), &ben}, {"anna", "ben"}));
+  anna.reset();
+  auto obstacle = std::make_unique<Obstacle>();
+  const LogCapture log;
+  ASSERT_TRUE(SpinUntil([&] { return log.Errors().size() >= 2; }));
+  EXPECT_FALSE(ben.recorder->Has("left anna"));
+  obstacle.reset();
+  EXPECT_TRUE(ben.Sees("left anna"));
+  EXPECT_EQ(Names(ben.context->Members()), QStringList{"ben"});
+}
+
+TEST(Destructor, GivesUpAQueueAfterThirtySecondsWithoutAConnection)
+{
+  auto anna = std::make_unique<Guest>(QStringLiteral("anna"));
+  auto ben = std::make_unique<Guest>(QStringLiteral("ben"));
+  ASSERT_TRUE(AreMembers({anna.get(), ben.get()}, {"anna", "ben"}));
+  anna.reset();
+  const Obstacle obstacle;
+  // Anna is still believed to be a member, so her message is not dropped for want of a recipient.
+  ben->context->Say(QStringLiteral("anna"), "x");
+  QElapsedTimer timer;
+  timer.start();
+  ben.reset();
+  EXPECT_GE(timer.elapsed(), 30000);
+}
+
+TEST(Destructor, GivesUpUnwrittenBytesWhenTheServerStandsStill)
+{
+  Peer server(bus, QStringLiteral("server"));
+  ASSERT_TRUE(server.IsReady());
+  auto ben = std::make_unique<Guest>(QStringLiteral("ben"));
+  ASSERT_TRUE(SpinUntil([&] { return ben->context->HasMember(QStringLiteral("server")); }));
+  SpinFor(350);
+  server.Stop();
+  ben->context->Say(QStringLiteral("server"), QByteArray(16 * 1024 * 1024, 'x'));
+  QElapsedTimer timer;
+  timer.start();
+  ben.reset();
+  EXPECT_GE(timer.elapsed(), 2900);
+  EXPECT_LT(timer.elapsed(), 25000);
+  server.Continue();
+  EXPECT_TRUE(server.Quit());
+}
+
+TEST(Drain, WithinACallWritesTheRest)
+{
+  Guest anna(QStringLiteral("anna"));
+  auto ben = std::make_unique<Guest>(QStringLiteral("ben"));
+  // Ben's own timer stands still while he is in this call, and his connection has not settled yet.
+  const auto heard = ben->recorder;
+  heard->onEvent = [&](const std::string& event)
+  {
+    if (event != "message anna x" || !ben)
+      return;
+    for (int i = 0; i < 5; ++i)
+      ben->context->Say(QStringLiteral("anna"), QByteArray::number(i));
+    ben.reset();
+  };
+  anna.context->Say(QStringLiteral("ben"), "x");
+  EXPECT_TRUE(anna.Sees("message ben 4"));
 }
 
 TEST(Listener, EmptyOnesAreIgnoredAndTheSameTwiceIsCalledTwice)

@@ -30,9 +30,9 @@ public:
   /** What it answers when asked for its members, joined by commas; empty when it does not answer. */
   QString Members(int limit = 20000);
 
-  void Kill();           ///< kill -9
-  void Stop();           ///< SIGSTOP
-  void Continue();       ///< SIGCONT
+  void Kill();                  ///< kill -9
+  void Stop();                  ///< SIGSTOP
+  void Continue();              ///< SIGCONT
   bool Quit(int limit = 20000); ///< Asks it to leave; whether it did, with success.
 
   bool IsRunning() const { return process.state() == QProcess::Running; }
@@ -40,8 +40,8 @@ public:
   QStringList Of(const QString& beginning);
 
   QString name;
-  QStringList lines;      ///< What it has told so far.
-  QByteArray log;         ///< What it has written to its standard error.
+  QStringList lines; ///< What it has told so far.
+  QByteArray log;    ///< What it has written to its standard error.
   QProcess process;
 
 private:

@@ -18,8 +18,8 @@ public:
 
   void OnResult(long long messageId, Tavrik::Bazaar::Error result, const QString& note) override
   {
-    Note("result " + std::to_string(messageId) + " " +
-         Tavrik::Bazaar::GetErrorString(result).toStdString() + note.toStdString());
+    Note("result " + std::to_string(messageId) + " " + Tavrik::Bazaar::GetErrorString(result).toStdString() +
+         note.toStdString());
   }
 
   void OnMemberJoined(const QString& name) override { Note("joined " + name.toStdString()); }

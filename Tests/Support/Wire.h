@@ -28,8 +28,14 @@ inline QByteArray Little(quint64 number, int size)
   return bytes;
 }
 
-inline QByteArray Int(qint64 number) { return Little(static_cast<quint64>(number), 4); }
-inline QByteArray Counted(const QByteArray& bytes) { return Int(bytes.size()) + bytes; }
+inline QByteArray Int(qint64 number)
+{
+  return Little(static_cast<quint64>(number), 4);
+}
+inline QByteArray Counted(const QByteArray& bytes)
+{
+  return Int(bytes.size()) + bytes;
+}
 
 inline const QByteArray& Signature()
 {
