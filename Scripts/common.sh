@@ -8,6 +8,7 @@ if [ "$(uname -s)" = Darwin ]; then
   # Homebrew keeps this Qt out of the compiler's way: one path for Intel, one for Apple silicon.
   export CMAKE_PREFIX_PATH="/usr/local/opt/qt@5:/opt/homebrew/opt/qt@5${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
   export PKG_CONFIG_PATH="/usr/local/opt/qt@5/lib/pkgconfig:/opt/homebrew/opt/qt@5/lib/pkgconfig"
+  export PATH="$PATH:/usr/local/opt/llvm/bin:/opt/homebrew/opt/llvm/bin"
 else
   export LC_ALL=C.UTF-8
 fi
