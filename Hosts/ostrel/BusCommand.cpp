@@ -38,6 +38,7 @@ struct Arguments
 
 using SharedArguments = std::shared_ptr<Arguments>;
 
+constexpr double shortestTimeout = 0.001;
 constexpr double longestTimeout = 7 * 24 * 60 * 60;
 
 // Names travel as UTF-8 whatever the locale, and an empty one cannot be told from none.
@@ -49,6 +50,15 @@ QString ParseName(const std::string& text)
   if (!IsUtf8(bytes))
     throw CLI::ValidationError("NAME", "a name must be UTF-8");
   return DecodeUtf8(bytes);
+}
+
+std::string CheckTimeout(const std::string& text)
+{
+  bool isNumber = false;
+  const double seconds = QByteArray::fromStdString(text).toDouble(&isNumber);
+  return isNumber && seconds >= shortestTimeout && seconds <= longestTimeout
+             ? std::string()
+             : "a timeout must be between 0.001 and 604800 seconds";
 }
 
 CLI::Option* AddName(CLI::App& app, const std::string& option, QString& name, const std::string& help)
@@ -70,7 +80,7 @@ void AddCommonOptions(CLI::App& verb, BusOptions& options, const std::string& ti
           { options.timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000)); },
           timeoutHelp)
       ->type_name("SECONDS")
-      ->check(CLI::Range(0.001, longestTimeout).description(""));
+      ->check(CheckTimeout);
   verb.add_flag("--hold-until-member", options.holdUntilMember,
                 "Hold each message back until its recipient is on the bus");
   verb.add_flag("--no-server", options.noServer, "Never serve the bus; without a server end with code 20");

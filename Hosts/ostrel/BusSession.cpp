@@ -24,6 +24,9 @@ const QString scoutPrefix = QStringLiteral("ostrel-scout-");
 // A living server answers within a few ticks of 20 ms; it may stand still for a while when it is busy.
 constexpr std::chrono::milliseconds joinTime = 10s;
 
+// How often a new server looks whether it is a member of its own bus.
+constexpr std::chrono::milliseconds admissionInterval = 5ms;
+
 // How often a participant that never serves looks whether it still has a bus.
 constexpr std::chrono::milliseconds watchInterval = 200ms;
 
@@ -66,6 +69,7 @@ public:
     session.signalSource.OnSignal([](int number) { std::_Exit(EndedBySignal + number); });
     const std::chrono::milliseconds limit = session.options.timeout.value_or(joinTime);
     timer.setSingleShot(true);
+    timer.setTimerType(Qt::PreciseTimer);
     timer.callOnTimeout([this, limit] { GiveUp(limit); });
     timer.start(limit);
   }
@@ -115,11 +119,22 @@ int BusSession::Join(const std::shared_ptr<Listener>& listener)
   if (const int failure = LookFirst())
     return failure;
   context = std::make_unique<Context>(options.contextName, clientName, listener, GetFlags());
+  if (!options.noServer)
+    WaitUntilAdmitted();
   if (!context->Members().isEmpty())
     return Done;
-  PrintError(options.noServer ? "nobody serves the bus " + QuoteName(options.contextName)
-                              : "could not join the bus " + QuoteName(options.contextName));
+  PrintError("nobody serves the bus " + QuoteName(options.contextName));
   return NoBus;
+}
+
+// A server admits itself from the event loop and tells no listener. One that could not listen never does:
+// then the guard ends the wait.
+void BusSession::WaitUntilAdmitted()
+{
+  QTimer waker;
+  waker.start(admissionInterval);
+  while (context->Members().isEmpty())
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 // The bus leaves a participant whose name is taken waiting without a word, so ask the members beforehand. A
@@ -145,6 +160,7 @@ int BusSession::Run()
 {
   QTimer endTimer;
   endTimer.setSingleShot(true);
+  endTimer.setTimerType(Qt::PreciseTimer);
   endTimer.callOnTimeout([this] { Leave(TimedOut); });
   if (!deadline.isForever())
     endTimer.start(static_cast<int>(deadline.remainingTime()));

@@ -73,6 +73,7 @@ private:
   class JoinGuard;
 
   int LookFirst();
+  void WaitUntilAdmitted();
   int GetFlags() const;
   void WatchBus();
   void EndWhenStuck();

@@ -81,7 +81,7 @@ void SayReader::TakeLine(const QByteArray& line)
   if (line.isEmpty())
     return;
   const int space = line.indexOf(' ');
-  const QByteArray recipient = line.left(space);
+  const QByteArray recipient = space < 0 ? line : line.left(space);
   if (recipient.isEmpty() || !IsUtf8(recipient))
   {
     PrintError("cannot say a line that does not begin with a name: " + EscapeBytes(line.left(80)));
