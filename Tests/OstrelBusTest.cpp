@@ -670,6 +670,28 @@ TEST(Signal, EndsOneWhoIsStillJoining)
   EXPECT_EQ(alice->Finish(), EndedBySignal + SIGINT);
 }
 
+TEST(Signal, EndsOneWhoseNameWasTakenWhileItLookedForAServer)
+{
+  Process server = Listen("server");
+  const Process bob = Listen("bob", {"--verbose"});
+  bob->Signal(SIGSTOP);
+  server->Signal(SIGKILL);
+  ASSERT_TRUE(server->waitForFinished(longWait));
+  const Process next = Listen("next");
+  const Process taker = Listen("bob");
+  bob->Signal(SIGCONT);
+  EXPECT_TRUE(WaitFor(
+      [&]
+      {
+        bob->waitForReadyRead(1);
+        return bob->Err().count("bob has connected to a server") == 2;
+      }));
+  EXPECT_TRUE(next->WaitForError("The client with the name \"bob\" has alredy connected"));
+  bob->Signal(SIGTERM);
+  EXPECT_EQ(bob->Finish(), EndedBySignal + SIGTERM);
+  EXPECT_EQ(RunBus({"members"}).out, "bob\nnext\n");
+}
+
 TEST(Signal, SecondOneEndsAtOnce)
 {
   // Connecting to a socket that listens but has no room left blocks for seconds without the event loop.
