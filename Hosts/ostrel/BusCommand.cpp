@@ -88,7 +88,7 @@ void AddCommonOptions(CLI::App& verb, BusOptions& options, const std::string& ti
 }
 
 CLI::App* AddVerb(CLI::App& bus, const std::string& name, const std::string& help, Command& command,
-                  Command action)
+                  const Command& action)
 {
   CLI::App* verb = bus.add_subcommand(name, help);
   verb->final_callback([&command, action] { command = action; });
