@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QIODevice>
 
+#include <algorithm>
 #include <deque>
 #include <vector>
 
@@ -18,11 +19,15 @@ using testing::IsEmpty;
 namespace
 {
 
-// A device that hands out prepared pieces: each read takes one, and an empty one is a read that brings nothing.
+// A device that hands out prepared pieces: each read takes one, and an empty one is a read that brings
+// nothing.
 class PieceDevice : public QIODevice
 {
 public:
-  explicit PieceDevice(std::deque<QByteArray> pieces) : pieces(std::move(pieces)) { open(ReadOnly | Unbuffered); }
+  explicit PieceDevice(std::deque<QByteArray> pieces) : pieces(std::move(pieces))
+  {
+    open(ReadOnly | Unbuffered);
+  }
 
   bool isSequential() const override { return true; }
   qint64 bytesAvailable() const override { return claimed >= 0 ? claimed : current.size(); }
@@ -55,7 +60,7 @@ protected:
     if (current.isEmpty() && polled && !pieces.empty())
       Next();
     const int taken = static_cast<int>(qMin<qint64>(size, current.size()));
-    memcpy(data, current.constData(), static_cast<size_t>(taken));
+    std::copy_n(current.constData(), taken, data);
     current.remove(0, taken);
     return taken;
   }

@@ -67,21 +67,21 @@ const QString baseServerName =
 QSet<QPair<QString, QString>> usedContextAndClientPairs;
 boost::mutex usedContextAndClientPairsMutex;
 
-const int tickPeriod = 20;                  // ms, of both timers
-const int serverTimeout = 3000;             // ms, for a server that may not exist to accept
-const int ownServerTimeout = 30000;         // ms, for a server that must exist to accept
-const int transferTimeout = 30000;          // ms, for bytes of one transfer to move
-const int introductionTimeout = 50;         // ms, for another look at an introduction that is not there whole
-const int lockTimeout = 3000;               // ms, for another participant's start-up to end
-const int heartbeat = 100;                  // ms, between two looks at whether the server still lives
-const int drainTimeout = 30000;             // ms without a connection, after which a queue is given up
-const int writeOutTimeout = 3000;           // ms without progress, after which unwritten bytes are given up
-const long long settleTime = 300000000;     // ns after a connection before anything is sent
-const long long readingTime = 100000000;    // ns that one tick may spend on reading
-const int smallestIntroduction = 30;        // bytes
-const int smallestPacket = 48;              // bytes that must wait before a tick reads
-const int smallestHeader = 14;              // bytes
-const int smallestBody = 4;                 // bytes
+const int tickPeriod = 20;               // ms, of both timers
+const int serverTimeout = 3000;          // ms, for a server that may not exist to accept
+const int ownServerTimeout = 30000;      // ms, for a server that must exist to accept
+const int transferTimeout = 30000;       // ms, for bytes of one transfer to move
+const int introductionTimeout = 50;      // ms, for another look at an introduction that is not there whole
+const int lockTimeout = 3000;            // ms, for another participant's start-up to end
+const int heartbeat = 100;               // ms, between two looks at whether the server still lives
+const int drainTimeout = 30000;          // ms without a connection, after which a queue is given up
+const int writeOutTimeout = 3000;        // ms without progress, after which unwritten bytes are given up
+const long long settleTime = 300000000;  // ns after a connection before anything is sent
+const long long readingTime = 100000000; // ns that one tick may spend on reading
+const int smallestIntroduction = 30;     // bytes
+const int smallestPacket = 48;           // bytes that must wait before a tick reads
+const int smallestHeader = 14;           // bytes
+const int smallestBody = 4;              // bytes
 const int largestArray = std::numeric_limits<int>::max() - 64; // bytes that one QByteArray holds for sure
 
 // ---- Packets --------------------------------------------------------------------------------------------
@@ -328,6 +328,11 @@ long long Nanoseconds(SteadyClock::duration duration)
   return boost::chrono::duration_cast<boost::chrono::nanoseconds>(duration).count();
 }
 
+} // namespace
+
+namespace Details
+{
+
 // What is known of the packet at the head of one connection. It looks without taking, so that nobody blocks
 // in the middle of a message.
 class Intake
@@ -443,6 +448,11 @@ private:
   SteadyClock::time_point lastArrival;
 };
 
+} // namespace Details
+
+namespace
+{
+
 // ---- What becomes of a message --------------------------------------------------------------------------
 
 const QByteArray noError("OK");
@@ -512,6 +522,11 @@ private:
   int file = -1;
 };
 
+} // namespace
+
+namespace Details
+{
+
 // Tells a socket file from a later one of the same name.
 struct SocketFile
 {
@@ -525,7 +540,12 @@ struct SocketFile
   }
 };
 
-SocketFile LookAtSocketFile(const QString& serverName)
+} // namespace Details
+
+namespace
+{
+
+Details::SocketFile LookAtSocketFile(const QString& serverName)
 {
   struct stat status = {};
   if (stat(QFile::encodeName(serverName).constData(), &status) != 0)
@@ -668,12 +688,12 @@ public:
   bool closing = false; // set when the Context is destroyed: everything on the stack has to unwind
   SteadyClock::time_point lastConnectTime;
   std::unique_ptr<QLocalSocket> socket;
-  Intake intake;                         // of `socket`
+  Details::Intake intake;                  // of `socket`
   Platform::ProcessIdentity serverProcess; // at the other end of `socket`
-  SocketFile serverFile;                 // through which `socket` connected
+  Details::SocketFile serverFile;          // through which `socket` connected
   QTimer socketTimer;
   bool isSettled = false; // whether this tick may send and tell of members
-  int tickDepth = 0; // a Qt timer does not fire again within its own call
+  int tickDepth = 0;      // a Qt timer does not fire again within its own call
   long long lastMessageId = 0;
   bool isRegistered = false; // whether the pair of names was entered by this context
   bool reconnectRequested = false;
@@ -682,7 +702,7 @@ public:
   QVector<QByteArray> members;
   std::unique_ptr<QLocalServer> server; // listening, and `socket` is connected to it; or empty
   QMap<QByteArray, QPointer<QLocalSocket>> clients;
-  QHash<const QLocalSocket*, Intake> intakes; // of `clients`
+  QHash<const QLocalSocket*, Details::Intake> intakes; // of `clients`
   QVector<std::weak_ptr<Listener>> listeners;
   QVector<std::weak_ptr<Listener>> stagedListeners;
   QTimer clientsTimer;
@@ -690,24 +710,23 @@ public:
 };
 
 Context::Impl::Impl(const QString& contextName, const QString& clientName, int flags)
-  : flags(flags),
-    contextName(contextName.toUtf8()),
-    clientName(clientName.toUtf8())
+    : flags(flags), contextName(contextName.toUtf8()), clientName(clientName.toUtf8())
 {
-  const QString name = QStringLiteral("tavrik:bazaar:ipc:1.0") + userIdString + QLatin1Char(':') + contextName;
-  serverName = pathToSocket + QString::fromLatin1(
-                                  QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha1).toHex());
+  const QString name =
+      QStringLiteral("tavrik:bazaar:ipc:1.0") + userIdString + QLatin1Char(':') + contextName;
+  serverName = pathToSocket +
+               QString::fromLatin1(QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha1).toHex());
 
   QObject::connect(
       &clientsTimer, &QTimer::timeout, &clientsTimer, [this] { CheckClients(); }, Qt::DirectConnection);
   if (QCoreApplication::instance())
-    quitConnection = QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit,
-                                      &clientsTimer,
-                                      [this]
-                                      {
-                                        const auto self = shared_from_this();
-                                        Drain();
-                                      });
+    quitConnection =
+        QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &clientsTimer,
+                         [this]
+                         {
+                           const auto self = shared_from_this();
+                           Drain();
+                         });
 }
 
 // ---- Saying ---------------------------------------------------------------------------------------------
@@ -748,7 +767,8 @@ bool Context::Impl::Write(const QByteArray& packet)
 void Context::Impl::CancelMessagaesWithoutRecipient()
 {
   pending.erase(std::remove_if(pending.begin(), pending.end(),
-                               [this](const PendingMessage& message) { return !HasMember(message.recipient); }),
+                               [this](const PendingMessage& message)
+                               { return !HasMember(message.recipient); }),
                 pending.end());
 }
 
@@ -855,7 +875,7 @@ void Context::Impl::Unregister()
 bool Context::Impl::Connect(int timeout)
 {
   socket = std::make_unique<QLocalSocket>();
-  intake = Intake();
+  intake = Details::Intake();
   socket->connectToServer(serverName, QIODevice::ReadWrite);
   if (!socket->waitForConnected(timeout))
     return false;
@@ -1032,7 +1052,7 @@ void Context::Impl::DropSocket()
   if (socket)
     socket->disconnect();
   socket.reset();
-  intake = Intake();
+  intake = Details::Intake();
   deferredStatus.clear();
 }
 
@@ -1137,8 +1157,8 @@ void Context::Impl::RemoveDisconnectedClients()
   for (const QByteArray& name : clients.keys())
   {
     const QPointer<QLocalSocket> client = clients.value(name);
-    if (client && (client->state() == QLocalSocket::UnconnectedState ||
-                   client->state() == QLocalSocket::ClosingState))
+    if (client &&
+        (client->state() == QLocalSocket::UnconnectedState || client->state() == QLocalSocket::ClosingState))
       RemoveClient(name);
   }
   SendStatus();
@@ -1374,7 +1394,8 @@ void Context::Impl::ForAllListeners(const std::function<void(std::shared_ptr<Lis
       call(listener);
   }
   listeners.erase(std::remove_if(listeners.begin(), listeners.end(),
-                                 [](const std::weak_ptr<Listener>& reference) { return reference.expired(); }),
+                                 [](const std::weak_ptr<Listener>& reference)
+                                 { return reference.expired(); }),
                   listeners.end());
 }
 
@@ -1510,7 +1531,7 @@ Listener::~Listener() = default;
 
 Context::Context(const QString& contextName, const QString& clientName,
                  const std::shared_ptr<Listener>& listener, int flags)
-  : impl(std::make_shared<Impl>(contextName, clientName, flags))
+    : impl(std::make_shared<Impl>(contextName, clientName, flags))
 {
   Listen(listener);
   impl->Init();
