@@ -39,6 +39,17 @@ int WriteAll(int file, const QByteArray& bytes)
   return 0;
 }
 
+// The length of a control character from U+007F to U+009F in well-formed UTF-8; 0 when there is none here.
+int GetLateControl(const QByteArray& text, int position)
+{
+  const char byte = text.at(position);
+  if (byte == '\x7F')
+    return 1;
+  const bool isControl =
+      byte == '\xC2' && position + 1 < text.size() && static_cast<uchar>(text.at(position + 1)) < 0xA0;
+  return isControl ? 2 : 0;
+}
+
 int GetStatus(int error)
 {
   if (error == EINTR)
@@ -48,18 +59,24 @@ int GetStatus(int error)
 
 } // namespace
 
+// JSON lets the controls beyond the first 32 through, and terminals obey some of them.
 QByteArray ToJsonLine(const QJsonObject& object)
 {
-  QByteArray line = QJsonDocument(object).toJson(QJsonDocument::Compact);
-  // JSON lets these through and terminals obey some of them. They occur inside of strings only.
-  line.replace('\x7F', "\\u007f");
-  for (int code = 0x80; code < 0xA0; ++code)
+  const QByteArray json = QJsonDocument(object).toJson(QJsonDocument::Compact);
+  QByteArray line;
+  line.reserve(json.size());
+  int copied = 0;
+  for (int position = 0; position < json.size(); ++position)
   {
-    const char character[] = {'\xC2', static_cast<char>(code), '\0'};
-    if (line.contains(character))
-      line.replace(character, "\\u00" + QByteArray::number(code, 16));
+    const int length = GetLateControl(json, position);
+    if (length == 0)
+      continue;
+    line.append(json.constData() + copied, position - copied);
+    line += "\\u00" + QByteArray::number(static_cast<uchar>(json.at(position + length - 1)), 16);
+    position += length - 1;
+    copied = position + 1;
   }
-  return line;
+  return line.append(json.constData() + copied, json.size() - copied);
 }
 
 Output::Output(Format format) : format(format), isTerminal(isatty(STDOUT_FILENO) != 0) {}

@@ -70,7 +70,7 @@ int RunProgram(int argc, char** argv)
 
   Command command;
   int verbosity = 0;
-  CLI::App app("Looks after disks and memory, and talks to its own kind.", "ostrel");
+  CLI::App app("The disk-and-memory maintenance utility on the command line", "ostrel");
   app.set_version_flag("--version,-V", "ostrel " OSTREL_VERSION);
   app.add_flag("--verbose,-v", verbosity, "Show what the library logs; twice for every detail");
   app.footer(exitCodes);
