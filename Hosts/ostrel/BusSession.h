@@ -1,0 +1,90 @@
+#pragma once
+
+#include "Signals.h"
+
+#include <Common/Bazaar.h>
+
+#include <QDeadlineTimer>
+#include <QTimer>
+
+#include <chrono>
+#include <optional>
+
+namespace Ostrel
+{
+
+/** What every verb of the bus takes from the command line. */
+struct BusOptions
+{
+  QString contextName = QStringLiteral("ostrel");
+  QString clientName; ///< Empty: a name that no other process has.
+  bool holdUntilMember = false;
+  bool noServer = false;
+  bool json = false;
+  std::optional<std::chrono::milliseconds> timeout; ///< Counted from the start of the program.
+};
+
+/** @return Whether @p name belongs to a participant that only looks who is there and goes again. */
+bool IsScout(const QString& name);
+
+/**
+ * One stay on the bus: joins without waiting for ever, runs until told to leave, leaves cleanly.
+ *
+ * Order of use: the constructor, Join, Run. Leave may be called from anywhere in between, a listener's call
+ * included.
+ */
+class BusSession
+{
+public:
+  BusSession(const BusOptions& options, Signals& signalSource);
+  ~BusSession();
+
+  BusSession(const BusSession&) = delete;
+  BusSession& operator=(const BusSession&) = delete;
+
+  /**
+   * Joins the bus, after a look whether a chosen name is free.
+   *
+   * A bus that does not let this participant in would hold it for ever; then the process is ended from here,
+   * with the exit code NotJoined, and so is a signal that comes meanwhile. Nothing needs tidying up at that
+   * point.
+   *
+   * @return Done, or NoBus or NameTaken after the reason has been printed.
+   */
+  int Join(const std::shared_ptr<Tavrik::Bazaar::Listener>& listener);
+
+  /** The bus; only after a Join that returned Done and before Run returns. */
+  Tavrik::Bazaar::Context& Bus() { return *context; }
+
+  const QString& ClientName() const { return clientName; }
+
+  /**
+   * Runs the event loop until Leave, a signal, the end of the time, or, for a participant that never serves,
+   * of the bus; then leaves the bus.
+   *
+   * @return What Leave was given, EndedBySignal + number, TimedOut or NoBus.
+   */
+  int Run();
+
+  /** Ends Run, with @p code as its result; the first call decides. */
+  void Leave(int code);
+
+private:
+  class JoinGuard;
+
+  int LookFirst();
+  void WaitUntilAdmitted();
+  int GetFlags() const;
+  void WatchBus();
+  void EndWhenStuck();
+
+  BusOptions options;
+  Signals& signalSource;
+  QString clientName;
+  QDeadlineTimer deadline;
+  QTimer stuckTimer;
+  std::optional<int> outcome;
+  std::unique_ptr<Tavrik::Bazaar::Context> context;
+};
+
+} // namespace Ostrel

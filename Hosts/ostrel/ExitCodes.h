@@ -1,0 +1,46 @@
+#pragma once
+
+/**
+ * @file
+ * What ostrel's exit code says. The numbers are an interface: scripts test them and the manual lists them,
+ * so a number that has been given out keeps its meaning.
+ *
+ * | code    | meaning                                                                  |
+ * | ------- | ------------------------------------------------------------------------ |
+ * | 0       | done                                                                     |
+ * | 1       | failed for a reason that has no number of its own; stderr tells           |
+ * | 2       | the command line is wrong                                                |
+ * | 3       | the time given with --timeout ran out                                    |
+ * | 20      | no bus: nobody serves it, or its server has gone and no other may be made |
+ * | 21      | the name is taken                                                        |
+ * | 22      | could not join in time: the name is taken or the server does not answer   |
+ * | 23      | the message came to nobody: NO RECIPIENT                                 |
+ * | 24      | the message was not sent: NOT SENT                                       |
+ * | 25      | the server could not write the message to the recipient: NOT WRITTEN      |
+ * | 26      | the server answered with a word that is not known: UNKNOWN               |
+ * | 128 + N | ended by signal N: 129 hang-up, 130 Ctrl-C, 143 terminated               |
+ * | 141     | whoever read the output has closed it                                    |
+ */
+namespace Ostrel
+{
+
+enum ExitCode
+{
+  Done = 0,
+  Failed = 1,
+  WrongUsage = 2,
+  TimedOut = 3,
+
+  NoBus = 20,
+  NameTaken = 21,
+  NotJoined = 22,
+  NoRecipient = 23,
+  NotSent = 24,
+  NotWritten = 25,
+  UnknownResult = 26,
+
+  EndedBySignal = 128,
+  OutputClosed = 141
+};
+
+} // namespace Ostrel

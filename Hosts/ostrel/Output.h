@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+
+#include <functional>
+
+/** @file What ostrel prints: results on standard output, line by line, everything else on standard error. */
+namespace Ostrel
+{
+
+/** How results are printed. */
+enum class Format
+{
+  Human, ///< One line per result, for people.
+  Json   ///< One JSON object per line and nothing else.
+};
+
+/**
+ * Standard output, a line at a time and written through at once, so that a reader sees each when it happens.
+ *
+ * When a line cannot be written the output is closed for good: later lines are dropped and the exit code
+ * tells. Writing blocks while the reader is slow.
+ */
+class Output
+{
+public:
+  explicit Output(Format format);
+
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+
+  bool IsJson() const { return format == Format::Json; }
+  bool IsTerminal() const { return isTerminal; }
+
+  /** Prints one result in the chosen format. @p human carries no line end and is safe to show. */
+  void Print(const QByteArray& human, const QJsonObject& json);
+
+  /** @return Done while all lines were written, else the exit code that tells why not. */
+  int Status() const { return status; }
+
+  /** What to call when the output closes, with the exit code. */
+  void OnClosed(std::function<void(int)> handler);
+
+private:
+  void PrintLine(QByteArray line);
+  void Close(int error);
+
+  Format format;
+  bool isTerminal;
+  int status = 0;
+  std::function<void(int)> closedHandler;
+};
+
+/** @return @p object as one line of JSON without a line end, with no control character in it. */
+QByteArray ToJsonLine(const QJsonObject& object);
+
+/** Prints "ostrel: " and @p text, which must be safe to show, as a line on standard error. */
+void PrintError(const QByteArray& text);
+
+} // namespace Ostrel
