@@ -34,6 +34,20 @@ void Link::Write(const QByteArray& data)
   socket->flush();
 }
 
+// A byte in Qt's full buffer keeps it from taking more from the system.
+void Link::StopReading()
+{
+  socket->blockSignals(true);
+  socket->setReadBufferSize(1);
+}
+
+void Link::ResumeReading()
+{
+  socket->setReadBufferSize(0);
+  socket->blockSignals(false);
+  Read();
+}
+
 bool Link::IsClosed(int limit)
 {
   return SpinUntil([&] { return socket->state() == QLocalSocket::UnconnectedState; }, limit);

@@ -36,6 +36,8 @@ public:
 
   void Write(const QByteArray& bytes);
   void Close() { socket->close(); }
+  void StopReading();
+  void ResumeReading();
   bool IsConnected() const { return socket->state() == QLocalSocket::ConnectedState; }
   bool IsClosed(int limit = 20000);
 
