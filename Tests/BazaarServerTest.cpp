@@ -393,6 +393,43 @@ TEST_F(Server, RoutesWhatAClientHadSaidWhenItLeft)
   EXPECT_EQ(hear->Of("MESSAGE").size(), 50u);
 }
 
+TEST_F(Server, RoutesWhatAClientHadSaidBehindAWordToItself)
+{
+  auto guest = Joined("guest");
+  QByteArray words;
+  for (int i = 1; i <= 50; ++i)
+    words += Wire::Message("demo", i, "guest", "to me") + ToHear(QByteArray::number(i), i);
+  guest->Write(words);
+  guest.reset();
+  EXPECT_TRUE(hear->Sees("hear,server"));
+  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+}
+
+TEST_F(Server, NeverListsAClientThatHadGoneWhenItWasAdmitted)
+{
+  {
+    RawClient guest(meeting.context);
+    guest.Write(Lying({{BodySize, most}}));
+  }
+  ASSERT_TRUE(Logs("Something strange"));
+  WaitForTick();
+  EXPECT_TRUE(hear->Sees("hear,server", 3000)) << hear->Members().toStdString();
+}
+
+TEST_F(Server, IsNotHeldUpForLongByAClientThatStopsReadingWhenOthersComeAndGo)
+{
+  RawClient deaf(meeting.context);
+  ASSERT_TRUE(deaf.Join("deaf"));
+  deaf.StopReading();
+  hear->Say(1, "deaf", QByteArray(4 * 1024 * 1024, 'x'));
+  ASSERT_EQ(hear->Result(1), "OK");
+  QElapsedTimer watch;
+  watch.start();
+  const auto guest = Joined("guest");
+  WaitForTick();
+  EXPECT_LT(watch.elapsed(), 5000);
+}
+
 TEST_F(Server, ForgetsAPacketWhoseSenderLeftInTheMiddle)
 {
   for (int cut = 1; cut < ToHear("hi").size(); cut += 9)
