@@ -18,11 +18,15 @@ using testing::IsEmpty;
 namespace
 {
 
-// A device that hands out prepared pieces: each read takes one, and an empty one is a read that brings nothing.
+// A device that hands out prepared pieces: each read takes one, and an empty one is a read that brings
+// nothing.
 class PieceDevice : public QIODevice
 {
 public:
-  explicit PieceDevice(std::deque<QByteArray> pieces) : pieces(std::move(pieces)) { open(ReadOnly | Unbuffered); }
+  explicit PieceDevice(std::deque<QByteArray> pieces) : pieces(std::move(pieces))
+  {
+    open(ReadOnly | Unbuffered);
+  }
 
   bool isSequential() const override { return true; }
   qint64 bytesAvailable() const override { return claimed >= 0 ? claimed : current.size(); }
