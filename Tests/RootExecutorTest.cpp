@@ -4,23 +4,17 @@
 #include <Common/RootExecutor.cpp>
 
 #include "Support/LogCapture.h"
+#include "Support/Programs.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QDirIterator>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QTemporaryDir>
-#include <QThread>
 
 #include <csignal>
 #include <fcntl.h>
-#include <fstream>
-#include <functional>
-#include <sched.h>
-#include <sys/prctl.h>
+#include <ostream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -36,36 +30,6 @@ using testing::Not;
 
 namespace
 {
-
-const int longestWait = 20000; // ms
-
-bool WaitFor(const std::function<bool()>& fact)
-{
-  QElapsedTimer timer;
-  for (timer.start(); timer.elapsed() < longestWait; QThread::msleep(2))
-    if (fact())
-      return true;
-  return fact();
-}
-
-void WriteText(const QString& path, const QByteArray& text)
-{
-  QFile file(path);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << qPrintable(path);
-  file.write(text);
-}
-
-QByteArray ReadText(const QString& path)
-{
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void WriteProgram(const QString& path, const QByteArray& text)
-{
-  WriteText(path, "#!/bin/sh\n" + text);
-  ASSERT_EQ(0, chmod(QFile::encodeName(path).constData(), 0755));
-}
 
 int CountDescriptors()
 {
@@ -86,6 +50,16 @@ enum class Way
   Pkexec,
   Sudo
 };
+
+const char* NameOf(Way way)
+{
+  return way == Way::Direct ? "Direct" : way == Way::Pkexec ? "Pkexec" : "Sudo";
+}
+
+void PrintTo(Way way, std::ostream* stream)
+{
+  *stream << NameOf(way);
+}
 
 class RootExecutorTest : public testing::Test
 {
@@ -116,34 +90,6 @@ protected:
 
   void TearDown() override { QDir(folder).removeRecursively(); }
 
-  static void BecomeRoot()
-  {
-    if (geteuid() == 0)
-      return;
-    if (unshare(CLONE_NEWUSER) != 0)
-      GTEST_SKIP() << "This machine lets a plain user make no user namespace, so nobody can be root here";
-    std::ofstream("/proc/self/setgroups") << "deny";
-    const std::string line = "0 " + std::to_string(getuid()) + " 1";
-    std::ofstream("/proc/self/uid_map") << line;
-    ASSERT_EQ(0u, geteuid());
-  }
-
-  void BecomeUser()
-  {
-    if (geteuid() != 0)
-      return;
-    const uid_t nobody = 65534;
-    ASSERT_EQ(0, chown(QFile::encodeName(QDir::homePath()).constData(), nobody, nobody));
-    QDirIterator entries(QDir::homePath(), QDir::AllEntries | QDir::NoDotAndDotDot,
-                         QDirIterator::Subdirectories);
-    while (entries.hasNext())
-      ASSERT_EQ(0, chown(QFile::encodeName(entries.next()).constData(), nobody, nobody));
-    ASSERT_EQ(0, setresgid(nobody, nobody, nobody));
-    ASSERT_EQ(0, setresuid(nobody, nobody, nobody));
-    // A process that has changed its user may not look into itself otherwise.
-    ASSERT_EQ(0, prctl(PR_SET_DUMPABLE, 1));
-  }
-
   // What asks tells each question, grants it and starts what it is given, as the real ones do.
   QString Launcher(const char* name) { return QString::fromLatin1(launchers + "/" + name); }
   void GrantBy(const char* name)
@@ -158,7 +104,11 @@ protected:
   void Become(Way way)
   {
     if (way == Way::Direct)
-      return BecomeRoot();
+    {
+      if (!BecomeRoot())
+        GTEST_SKIP() << "This machine lets a plain user make no user namespace, so nobody can be root here";
+      return;
+    }
     GrantBy(way == Way::Pkexec ? "pkexec" : "sudo");
     BecomeUser();
   }
@@ -205,11 +155,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Launch, EveryWay, testing::Values(Way::Direct, Way::Pkexec, Way::Sudo),
-                         [](const auto& info) {
-                           return info.param == Way::Direct   ? "Direct"
-                                  : info.param == Way::Pkexec ? "Pkexec"
-                                                              : "Sudo";
-                         });
+                         [](const auto& info) { return NameOf(info.param); });
 
 std::vector<std::string> ToStrings(const QList<QByteArray>& texts)
 {
