@@ -487,17 +487,38 @@ TEST_F(RootExecutorTest, ADismissedDialogIsNoErrorAndIsAskedAgain)
   WaitForArguments();
 }
 
-TEST_F(RootExecutorTest, AnInterruptedSudoIsADismissedPrompt)
+TEST_F(RootExecutorTest, ASudoThatGotNoPasswordIsADismissedPromptUnlessItHadNoTerminal)
 {
   BecomeUser();
   RootExecutor executor(tool, false);
-  for (const char* end : {"kill -INT $$\n", "exit 130\n"})
+  const auto ask = [&](const QByteArray& said)
   {
     const LogCapture log;
-    WriteProgram(Launcher("sudo"), end);
+    WriteProgram(Launcher("sudo"), "[ \"$LC_ALL\" = C ] && printf '" + said + "' >&2\nexit 1\n");
     EXPECT_FALSE(executor.Authorize());
-    EXPECT_THAT(log.Infos(), ElementsAre("Authorization canceled"));
-  }
+    return log.Infos().empty() ? log.Errors() : log.Infos();
+  };
+  EXPECT_THAT(ask("sudo: a password is required\n"), ElementsAre("Authorization canceled"));
+  EXPECT_THAT(ask("sudo: no password was provided\nsudo: a password is required\n"),
+              ElementsAre("Authorization canceled"));
+  EXPECT_THAT(ask("sudo: a terminal is required to read the password\nsudo: a password is required\n"),
+              ElementsAre("Can't copy rights: -60005"));
+  EXPECT_THAT(ask("Sorry, try again.\nsudo: 3 incorrect password attempts\n"),
+              ElementsAre("Can't copy rights: -60005"));
+}
+
+TEST_F(RootExecutorTest, WhatSudoSaysIsShownToTheUser)
+{
+  BecomeUser();
+  setenv("LC_ALL", "de_DE.UTF-8", 1);
+  WriteProgram(Launcher("sudo"), "echo 'Sorry, try again.' >&2\necho 'Granted.' >&2\nexit 1\n");
+  const int saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 10);
+  const int file =
+      open(QFile::encodeName(folder + "/shown").constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  dup2(file, STDERR_FILENO);
+  RootExecutor(tool, false).Authorize();
+  dup2(saved, STDERR_FILENO);
+  EXPECT_THAT(ReadText(folder + "/shown").toStdString(), HasSubstr("Sorry, try again.\nGranted.\n"));
 }
 
 TEST_F(RootExecutorTest, ARefusalIsAnErrorAndStartsNothing)
@@ -601,21 +622,25 @@ TEST_F(RootExecutorTest, ALauncherThatLingersIsReapedLater)
       }));
 }
 
-TEST_F(RootExecutorTest, WithoutDescriptorsNothingStartsAndNothingBreaks)
+TEST_P(EveryWay, WithoutDescriptorsNothingStartsAndNothingBreaks)
 {
-  Become(Way::Direct);
   RootExecutor executor(tool, false);
-  const LogCapture log;
+  ASSERT_TRUE(executor.Authorize());
   rlimit before;
   getrlimit(RLIMIT_NOFILE, &before);
-  for (rlim_t limit = 3; limit < 3 + static_cast<rlim_t>(CountDescriptors()); ++limit)
   {
-    const rlimit few = {limit, before.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &few);
-    executor.Exec("x");
+    const LogCapture log;
+    const rlim_t last = 12 + static_cast<rlim_t>(CountDescriptors());
+    for (rlim_t limit = 3; limit < last; ++limit)
+    {
+      const rlimit few = {limit, before.rlim_max};
+      setrlimit(RLIMIT_NOFILE, &few);
+      executor.Exec("x");
+      RootExecutor(tool, false).Authorize();
+    }
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_THAT(log.Errors(), Contains(HasSubstr(") as root: -60031")));
   }
-  setrlimit(RLIMIT_NOFILE, &before);
-  EXPECT_THAT(log.Errors(), Contains(HasSubstr(") as root: -60031")));
   EXPECT_TRUE(executor.Exec("x"));
   WaitForArguments();
   WaitForTools();

@@ -38,7 +38,7 @@ const char* const rootEnvironment[] = {rootPath, rootHome, nullptr};
 const int longestAnswer = 10000;      // ms that the root shell may take to start a tool
 const int longestFarewell = 1000;     // ms that is waited for the root shell to end
 const int farewellStep = 10;          // ms
-const std::size_t longestNote = 4096; // bytes kept of what pkexec says
+const std::size_t longestNote = 4096; // bytes kept of what a launcher says
 
 // The launcher's output is closed by it and by nobody else, so standard error of the host is opened anew.
 const char* const rootShell = "if (: 2>>\"/proc/$1/fd/2\") 2>/dev/null\n"
@@ -338,20 +338,28 @@ struct Answer
 {
   bool isGranted = false;
   int status = 0;   // as waitpid() gives it, when it is not granted
-  std::string note; // what was said on standard error, where that was listened to
+  std::string note; // the beginning of what was said on standard error
 };
 
-void ReadNote(int input, std::string* note)
+enum class Errors
+{
+  Kept,
+  Shown
+};
+
+void ReadNote(int input, Errors errors, std::string* note)
 {
   char bytes[512];
   const ssize_t size = read(input, bytes, sizeof(bytes));
-  if (size > 0)
-    note->append(bytes, std::min<std::size_t>(static_cast<std::size_t>(size),
-                                              longestNote - std::min(longestNote, note->size())));
+  if (size <= 0)
+    return;
+  if (errors == Errors::Shown)
+    (void)!write(STDERR_FILENO, bytes, static_cast<std::size_t>(size));
+  note->append(bytes, std::min(static_cast<std::size_t>(size), longestNote - note->size()));
 }
 
 // Waits until the shell has said that it runs, or its end of the control is closed.
-bool WaitForShell(int control, int error, std::string* note)
+bool WaitForShell(int control, int error, Errors errors, std::string* note)
 {
   pollfd looks[] = {{control, POLLIN, 0}, {error, POLLIN, 0}};
   while (looks[0].revents == 0)
@@ -360,7 +368,7 @@ bool WaitForShell(int control, int error, std::string* note)
     if (poll(looks, 2, -1) < 0)
       continue;
     if ((looks[1].revents & POLLIN) != 0)
-      ReadNote(error, note);
+      ReadNote(error, errors, note);
     else if (looks[1].revents != 0)
       looks[1].fd = -1;
   }
@@ -368,25 +376,30 @@ bool WaitForShell(int control, int error, std::string* note)
   return Retry([&] { return read(control, &said, 1); }) == 1 && said == 'y';
 }
 
-enum class Listen
+// What the launchers say is looked at, so they say it in one language.
+std::vector<const char*> LauncherEnvironment()
 {
-  ToItsErrors,
-  No
-};
+  std::vector<const char*> environment = {"LC_ALL=C"};
+  for (char** variable = environ; *variable; ++variable)
+    if (std::strncmp(*variable, "LC_ALL=", 7) != 0)
+      environment.push_back(*variable);
+  environment.push_back(nullptr);
+  return environment;
+}
 
-Answer AskThrough(const std::vector<const char*>& launcher, Listen listen, PrivilegedSession* session)
+Answer AskThrough(const std::vector<const char*>& launcher, Errors errors, PrivilegedSession* session)
 {
   Answer answer;
   Descriptor control;
   Descriptor shellControl;
   Descriptor error;
   Descriptor shellError;
-  if (!MakeSocketPair(&control, &shellControl) ||
-      (listen == Listen::ToItsErrors && !MakePipe(&error, &shellError)))
+  if (!MakeSocketPair(&control, &shellControl) || !MakePipe(&error, &shellError))
     return answer;
 
   const std::string pid = std::to_string(getpid());
-  Program program = {launcher, environ, shellControl.Get(), shellControl.Get(), shellError.Get()};
+  const std::vector<const char*> environment = LauncherEnvironment();
+  Program program = {launcher, environment.data(), shellControl.Get(), shellControl.Get(), shellError.Get()};
   for (const char* argument : {"/usr/bin/env", "-i", rootPath, rootHome, "/bin/sh", "-c", rootShell, "sh",
                                pid.c_str(), static_cast<const char*>(nullptr)})
     program.arguments.push_back(argument);
@@ -402,7 +415,7 @@ Answer AskThrough(const std::vector<const char*>& launcher, Listen listen, Privi
     return answer;
   }
 
-  answer.isGranted = WaitForShell(control.Get(), error.Get(), &answer.note);
+  answer.isGranted = WaitForShell(control.Get(), error.Get(), errors, &answer.note);
   if (answer.isGranted)
   {
     session->control = std::move(control);
@@ -411,13 +424,9 @@ Answer AskThrough(const std::vector<const char*>& launcher, Listen listen, Privi
   }
   control.Close();
   Wait(shell, &answer.status);
-  while (error && answer.note.size() < longestNote)
-  {
-    pollfd look = {error.Get(), POLLIN, 0};
-    if (poll(&look, 1, 0) != 1 || (look.revents & POLLIN) == 0)
-      break;
-    ReadNote(error.Get(), &answer.note);
-  }
+  pollfd look = {error.Get(), POLLIN, 0};
+  while (poll(&look, 1, 0) == 1 && (look.revents & POLLIN) != 0)
+    ReadNote(error.Get(), errors, &answer.note);
   return answer;
 }
 
@@ -426,16 +435,21 @@ bool HasExited(const Answer& answer, int code)
   return WIFEXITED(answer.status) && WEXITSTATUS(answer.status) == code;
 }
 
+bool Says(const Answer& answer, const char* text)
+{
+  return answer.note.find(text) != std::string::npos;
+}
+
 std::int32_t AskThroughPolkit(const std::string& path, PrivilegedSession* session)
 {
-  const Answer answer = AskThrough({path.c_str(), "--disable-internal-agent"}, Listen::ToItsErrors, session);
+  const Answer answer = AskThrough({path.c_str(), "--disable-internal-agent"}, Errors::Kept, session);
   if (answer.isGranted)
     return 0;
   const int dismissed = 126;
   if (HasExited(answer, dismissed))
     return privilegeCancelled;
   // One code tells of a refusal, of a missing agent and of a missing service.
-  if (answer.note.find("Not authorized") != std::string::npos)
+  if (Says(answer, "Not authorized"))
     return privilegeDenied;
   VLOG(30) << "pkexec can't ask: " << answer.note;
   return privilegeUnavailable;
@@ -443,12 +457,13 @@ std::int32_t AskThroughPolkit(const std::string& path, PrivilegedSession* sessio
 
 std::int32_t AskThroughSudo(const std::string& path, PrivilegedSession* session)
 {
-  const Answer answer = AskThrough({path.c_str(), "--"}, Listen::No, session);
+  const Answer answer = AskThrough({path.c_str(), "--"}, Errors::Shown, session);
   if (answer.isGranted)
     return 0;
-  const bool isInterrupted =
-      (WIFSIGNALED(answer.status) && WTERMSIG(answer.status) == SIGINT) || HasExited(answer, 128 + SIGINT);
-  return isInterrupted ? privilegeCancelled : privilegeDenied;
+  // It ends with 1 whatever the reason: an interrupted or empty prompt has left it without a password, and so
+  // has a missing terminal, of which it complains first.
+  const bool isDismissed = Says(answer, "a password is required") && !Says(answer, "a terminal is required");
+  return isDismissed ? privilegeCancelled : privilegeDenied;
 }
 
 void DismissShell(PrivilegedSession* session)
