@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 #include <QIODevice>
 
+#include <algorithm>
 #include <deque>
 #include <vector>
 
@@ -59,7 +60,7 @@ protected:
     if (current.isEmpty() && polled && !pieces.empty())
       Next();
     const int taken = static_cast<int>(qMin<qint64>(size, current.size()));
-    memcpy(data, current.constData(), static_cast<size_t>(taken));
+    std::copy_n(current.constData(), taken, data);
     current.remove(0, taken);
     return taken;
   }

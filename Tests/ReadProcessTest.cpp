@@ -1,4 +1,4 @@
-#include <Common/ReadProcess.cpp>
+#include <Common/ReadProcess.cpp> // NOLINT(bugprone-suspicious-include)
 
 #include "Support/LogCapture.h"
 #include "Support/ToolFolder.h"

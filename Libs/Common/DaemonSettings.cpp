@@ -205,7 +205,10 @@ QString DaemonSettings::RemindPeriodToString(RemindPeriod period) const
 QDate DaemonSettings::CalculateNextEventFromGiven(const QDate& date, RemindPeriod period) const
 {
   const Period* const found = FindPeriod(period);
-  return found ? date.addDays(found->days).addMonths(found->months).addYears(found->years) : date;
+  if (!found)
+    return date;
+  const QDate next = date.addDays(found->days).addMonths(found->months).addYears(found->years);
+  return next > date ? next : QDate(); // QDate wraps round after its last year
 }
 
 QVariant DaemonSettings::Read(const QString& key, const QVariant& fallback) const

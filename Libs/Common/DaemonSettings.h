@@ -114,7 +114,10 @@ public:
   /** @return The period in the user's language; null for a value that is no period. */
   QString RemindPeriodToString(RemindPeriod period) const;
 
-  /** @return @p date plus one @p period; @p date itself for a value that is no period. */
+  /**
+   * @return @p date plus one @p period; @p date itself for a value that is no period; an invalid date where
+   *         QDate ends.
+   */
   QDate CalculateNextEventFromGiven(const QDate& date, RemindPeriod period) const;
 
 private:

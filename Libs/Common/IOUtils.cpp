@@ -16,7 +16,7 @@ namespace
 
 // QIODevice::read allocates what it is asked for before it reads, and the sizes asked for here come from
 // the wire.
-const long long largestStep = 64 * 1024;
+const long long largestStep = 64LL * 1024;
 
 QByteArray ReadSome(QIODevice* device, long long wanted)
 {

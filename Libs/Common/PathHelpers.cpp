@@ -110,6 +110,7 @@ QString ExtractBundleIdentifierLast(const QString& path)
   return FindIdentifier(components.rbegin(), components.rend());
 }
 
+// NOLINTBEGIN(performance-unnecessary-value-param): this is how the interface takes them.
 QString ExtractLProjName(QString path)
 {
   return ExtractNameWith(lProjExt, path);
@@ -131,6 +132,7 @@ QString CutFromFirstParentheses(QString text)
   const int length = text.indexOf(QLatin1Char(')')) - start;
   return text.mid(start, length < 0 ? -1 : length);
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 QString GetUserIdString()
 {

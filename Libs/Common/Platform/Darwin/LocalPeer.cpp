@@ -1,5 +1,7 @@
 #include <Common/Platform/LocalPeer.h>
 
+#include <cerrno>
+#include <csignal>
 #include <sys/socket.h>
 #include <sys/sysctl.h>
 #include <sys/types.h>
@@ -13,11 +15,20 @@ namespace Tavrik::Platform
 namespace
 {
 
-bool ReadProcess(pid_t pid, kinfo_proc* info)
+enum class Answer
+{
+  Found,
+  NoSuchProcess,
+  Refused // a sandbox hides the processes around it
+};
+
+Answer ReadProcess(pid_t pid, kinfo_proc* info)
 {
   int name[] = {CTL_KERN, KERN_PROC, KERN_PROC_PID, pid};
   size_t size = sizeof(*info);
-  return sysctl(name, 4, info, &size, nullptr, 0) == 0 && size == sizeof(*info);
+  if (sysctl(name, 4, info, &size, nullptr, 0) != 0)
+    return Answer::Refused;
+  return size == sizeof(*info) ? Answer::Found : Answer::NoSuchProcess;
 }
 
 long long StartTime(const kinfo_proc& info)
@@ -40,16 +51,26 @@ LocalPeer GetLocalPeer(int socket)
   if (getsockopt(socket, SOL_LOCAL, LOCAL_PEERPID, &peer.process.pid, &size) != 0)
     peer.process.pid = 0;
   kinfo_proc info = {};
-  if (peer.process.pid > 0 && ReadProcess(peer.process.pid, &info))
+  if (peer.process.pid > 0 && ReadProcess(peer.process.pid, &info) == Answer::Found)
     peer.process.startTime = StartTime(info);
   return peer;
 }
 
 bool IsAlive(const ProcessIdentity& process)
 {
+  if (process.pid <= 0)
+    return false;
   kinfo_proc info = {};
-  return process.pid > 0 && ReadProcess(process.pid, &info) && info.kp_proc.p_stat != SZOMB &&
-         StartTime(info) == process.startTime;
+  switch (ReadProcess(process.pid, &info))
+  {
+  case Answer::Found:
+    return info.kp_proc.p_stat != SZOMB && StartTime(info) == process.startTime;
+  case Answer::NoSuchProcess:
+    return false;
+  case Answer::Refused:
+    break;
+  }
+  return kill(process.pid, 0) == 0 || errno != ESRCH;
 }
 
 } // namespace Tavrik::Platform

@@ -34,7 +34,7 @@ QString CFURLConvertToPath(CFURLRef url)
   const CFStringRef string = CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle);
   if (!string)
     return {};
-  const QString path = ConvertString(string);
+  QString path = ConvertString(string);
   CFRelease(string);
   return path;
 }

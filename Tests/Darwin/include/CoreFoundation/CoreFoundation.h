@@ -8,9 +8,11 @@ typedef unsigned short UniChar;
 typedef long CFIndex;
 
 typedef const void* CFTypeRef;
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are the framework's.
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFURL* CFURLRef;
+// NOLINTEND(bugprone-reserved-identifier)
 
 typedef struct
 {

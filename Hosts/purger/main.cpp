@@ -1,0 +1,138 @@
+// Frees memory: has the system drop its caches where it may, and otherwise takes memory in steps, so that the
+// system gives up its caches for it, and lets go of all of it. Tells its progress on the standard output in
+// lines "PROGRESS: N%", of which 100 is the last and comes when the memory is free.
+
+#include "Memory.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+const size_t step = 8 << 20;
+const auto longestFilling = std::chrono::seconds(60);
+// The reader takes one line every 50 ms, give or take, and none any more once we are gone.
+const auto betweenLines = std::chrono::milliseconds(70);
+const auto farewell = std::chrono::milliseconds(300);
+
+const int usageError = 2;
+
+class Progress
+{
+public:
+  // Lines that come too early are left out; the last one waits.
+  void Tell(int percentage)
+  {
+    if (percentage <= told)
+      return;
+    if (percentage == 100)
+      std::this_thread::sleep_until(next);
+    else if (Clock::now() < next)
+      return;
+    told = percentage;
+    next = Clock::now() + betweenLines;
+    // Nobody listens any more: then nobody waits for the memory either.
+    if (std::printf("PROGRESS: %d%%\n", percentage) < 0 || std::fflush(stdout) != 0)
+      std::exit(EXIT_FAILURE);
+  }
+
+private:
+  int told = -1;
+  Clock::time_point next = Clock::now();
+};
+
+class Filling
+{
+public:
+  Filling() = default;
+  ~Filling()
+  {
+    for (void* const block : blocks)
+      munmap(block, step);
+  }
+
+  Filling(const Filling&) = delete;
+  Filling& operator=(const Filling&) = delete;
+
+  long long Size() const { return static_cast<long long>(blocks.size() * step); }
+
+  bool Grow()
+  {
+    void* const block = mmap(nullptr, step, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANON, -1, 0);
+    if (block == MAP_FAILED)
+      return false;
+    blocks.push_back(block);
+    // A page has to be written to be there, and differently from others to stay there on its own.
+    const size_t page = 4096;
+    for (size_t offset = 0; offset < step; offset += page)
+    {
+      const size_t mark = blocks.size() * step + offset;
+      std::memcpy(static_cast<char*>(block) + offset, &mark, sizeof(mark));
+    }
+    return true;
+  }
+
+private:
+  std::vector<void*> blocks;
+};
+
+void FillAndLetGo(long long limit, Progress* progress)
+{
+  Purger::GoFirst();
+  setpriority(PRIO_PROCESS, 0, 10);
+  const long long swappedBefore = Purger::GetSwappedOut();
+  const auto end = Clock::now() + longestFilling;
+  Filling filling;
+  for (;;)
+  {
+    const long long room = std::min(Purger::GetRoom(), limit - filling.Size());
+    if (room < static_cast<long long>(step) || Purger::GetSwappedOut() != swappedBefore || Clock::now() > end)
+      return;
+    progress->Tell(static_cast<int>(filling.Size() * 99 / (filling.Size() + room)));
+    if (!filling.Grow())
+      return;
+  }
+}
+
+bool ParseLimit(const char* text, long long* limit)
+{
+  char* end = nullptr;
+  errno = 0;
+  *limit = std::strtoll(text, &end, 10);
+  return *text >= '0' && *text <= '9' && *end == '\0' && errno == 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+  long long limit = std::numeric_limits<long long>::max();
+  const bool isLimited = argc == 3 && std::strcmp(argv[1], "--limit") == 0 && ParseLimit(argv[2], &limit);
+  if (argc != 1 && !isLimited)
+  {
+    std::fprintf(stderr, "usage: %s [--limit BYTES]\n", argv[0]);
+    return usageError;
+  }
+
+  Progress progress;
+  progress.Tell(0);
+  if (isLimited || !Purger::DropCaches())
+    FillAndLetGo(limit, &progress);
+  progress.Tell(100);
+  std::this_thread::sleep_for(farewell);
+  return EXIT_SUCCESS;
+}

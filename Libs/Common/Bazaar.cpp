@@ -1,0 +1,1575 @@
+// The bus, in the order in which a message travels: packets, what becomes of them, the participant that says
+// one, the election that gives it a server, the server that routes it, the participant that hears it, the
+// members, and the way out.
+//
+// Everything of a context happens on one thread, from two timers: CheckSocket is the client's tick, and in
+// the serving process CheckClients is the server's. Neither waits for bytes that are not there yet: a packet
+// is taken when it has come whole, and one that has stalled for 30 s is read from a copy of what did come.
+// What blocks is the connection, the handshake on either side, and the pauses after a broken connection.
+//
+// A listener may do anything, destroying the context that calls it included. So an entry point holds the Impl
+// alive, lists are walked by copy, and after every call `closing` is looked at before anything else.
+
+#include <Common/Bazaar.h>
+
+#include <Common/Platform/LocalPeer.h>
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QMap>
+#include <QPair>
+#include <QPointer>
+#include <QSet>
+#include <QTimer>
+#include <QVector>
+
+#include <boost/chrono.hpp>
+#include <boost/date_time/posix_time/posix_time.hpp>
+#include <boost/thread/locks.hpp>
+#include <boost/thread/mutex.hpp>
+#include <boost/thread/thread.hpp>
+#include <glog/logging.h>
+
+#include <algorithm>
+#include <atomic>
+#include <fcntl.h>
+#include <functional>
+#include <limits>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Tavrik::Bazaar
+{
+
+using SteadyClock = boost::chrono::steady_clock;
+
+namespace
+{
+
+// ---- Names and periods ----------------------------------------------------------------------------------
+
+const QString userIdString = QLatin1Char(':') + QString::number(getuid());
+const QString pathToSocket = QDir(QDir::tempPath()).absolutePath() + QLatin1Char('/');
+// Not used by the bus itself.
+const QString baseServerName =
+    QDir(QDir::tempPath()).absoluteFilePath(QStringLiteral("tavrik:bazaar:ipc:1.0") + userIdString);
+
+QSet<QPair<QString, QString>> usedContextAndClientPairs;
+boost::mutex usedContextAndClientPairsMutex;
+
+const int tickPeriod = 20;               // ms, of both timers
+const int serverTimeout = 3000;          // ms, for a server that may not exist to accept
+const int ownServerTimeout = 30000;      // ms, for a server that must exist to accept
+const int transferTimeout = 30000;       // ms, for bytes of one transfer to move
+const int introductionTimeout = 50;      // ms, for another look at an introduction that is not there whole
+const int lockTimeout = 3000;            // ms, for another participant's start-up to end
+const int heartbeat = 100;               // ms, between two looks at whether the server still lives
+const int drainTimeout = 30000;          // ms without a connection, after which a queue is given up
+const int writeOutTimeout = 3000;        // ms without progress, after which unwritten bytes are given up
+const long long settleTime = 300000000;  // ns after a connection before anything is sent
+const long long readingTime = 100000000; // ns that one tick may spend on reading
+const int smallestIntroduction = 30;     // bytes
+const int smallestPacket = 48;           // bytes that must wait before a tick reads
+const int smallestHeader = 14;           // bytes
+const int smallestBody = 4;              // bytes
+const int largestArray = std::numeric_limits<int>::max() - 64; // bytes that one QByteArray holds for sure
+
+// ---- Packets --------------------------------------------------------------------------------------------
+
+const char rawSignature[] = "<TAVRIK:BAZAAR:IPC:1.0>";
+const QByteArray signature(rawSignature);
+const QByteArray commandStatus("STATUS");
+const QByteArray commandResult("RESULT");
+const QByteArray commandMessage("MESSAGE");
+
+const int preambleSize = 29; // signature, header length, header checksum
+
+struct Packet
+{
+  int headerSize = 0;
+  quint16 headerChecksum = 0;
+  QByteArray contextName;
+  QByteArray command;
+  int bodySize = 0;
+  quint16 bodyChecksum = 0;
+  QByteArray body;
+};
+
+struct BodyMessage
+{
+  long long id = 0;
+  QByteArray first;
+  QByteArray second;
+};
+
+struct BodyStatus
+{
+  QVector<QByteArray> members;
+};
+
+// Bytes that are not there read as zero.
+template<typename Number>
+Number UnpackNumber(const QByteArray& data, long long offset)
+{
+  unsigned long long number = 0;
+  for (long long i = sizeof(Number) - 1; i >= 0; --i)
+  {
+    const long long position = offset + i;
+    const bool isThere = position >= 0 && position < data.size();
+    number = number << 8 | (isThere ? static_cast<unsigned char>(data.at(static_cast<int>(position))) : 0u);
+  }
+  return static_cast<Number>(number);
+}
+
+quint16 Checksum(const QByteArray& data)
+{
+  return qChecksum(data.constData(), static_cast<uint>(data.size()));
+}
+
+// A length and that many bytes, at `offset`; false when they are not all there.
+bool UnpackBytes(const QByteArray& data, long long offset, QByteArray* bytes)
+{
+  if (data.size() < offset + 4)
+    return false;
+  const int length = UnpackNumber<int>(data, offset);
+  if (length < 0 || data.size() - offset - 4 < length)
+    return false;
+  *bytes = data.mid(static_cast<int>(offset + 4), length);
+  return true;
+}
+
+QByteArray CreatePacket(const QByteArray& contextName, const QByteArray& command, const QByteArray& body)
+{
+  QByteArray header;
+  header.reserve(smallestHeader + contextName.size() + command.size());
+  header += PackNumber(contextName.size());
+  header += contextName;
+  header += PackNumber(command.size());
+  header += command;
+  header += PackNumber(body.size());
+  header += CalcCRC(body);
+
+  QByteArray packet;
+  packet.reserve(preambleSize + header.size() + body.size());
+  packet += signature;
+  packet += PackNumber(header.size());
+  packet += CalcCRC(header);
+  packet += header;
+  packet += body;
+  return packet;
+}
+
+QByteArray CreateBodyMessage(long long id, const QByteArray& first, const QByteArray& second)
+{
+  QByteArray body;
+  body.reserve(16 + first.size() + second.size());
+  body += PackNumber(id);
+  body += PackNumber(first.size());
+  body += first;
+  body += PackNumber(second.size());
+  body += second;
+  return body;
+}
+
+QByteArray CreateBodyStatus(const QList<QByteArray>& names)
+{
+  QByteArray body = PackNumber(names.size());
+  for (const QByteArray& name : names)
+    body += PackNumber(name.size()) + name;
+  return body;
+}
+
+// The packet of a message, or nothing when no array could hold it.
+QByteArray CreateMessagePacket(const QByteArray& contextName, long long id, const QByteArray& name,
+                               const QByteArray& data)
+{
+  const long long size = 16LL + name.size() + data.size() + preambleSize + smallestHeader +
+                         contextName.size() + commandMessage.size();
+  return size > largestArray ? QByteArray()
+                             : CreatePacket(contextName, commandMessage, CreateBodyMessage(id, name, data));
+}
+
+bool FindSignature(QIODevice* device)
+{
+  int matched = 0;
+  while (matched < signature.size())
+  {
+    if (device->bytesAvailable() == 0 && !device->waitForReadyRead(1000))
+      return true; // the header that does not come ends the attempt
+    const QByteArray byte = ReadDataWithTimeout(device, 1, transferTimeout);
+    if (byte.isEmpty())
+      return false;
+    if (byte.at(0) == signature.at(matched))
+      ++matched;
+    else
+      matched = byte.at(0) == signature.at(0) ? 1 : 0;
+  }
+  return true;
+}
+
+bool ReadPreamble(QIODevice* device, Packet* packet)
+{
+  const QByteArray size = ReadDataWithTimeout(device, 4, 500);
+  if (size.size() != 4)
+  {
+    LOG(ERROR) << "Can't read a header size: " << 0;
+    return false;
+  }
+  const QByteArray checksum = ReadDataWithTimeout(device, 2, 500);
+  if (checksum.size() == 2)
+    packet->headerChecksum = UnpackNumber<quint16>(checksum, 0);
+  else
+    LOG(ERROR) << "Can't read a header checksum: " << 0 << std::endl;
+  packet->headerSize = UnpackNumber<int>(size, 0);
+  return packet->headerSize >= smallestHeader;
+}
+
+bool ParseHeader(const QByteArray& header, Packet* packet)
+{
+  if (!UnpackBytes(header, 0, &packet->contextName))
+  {
+    LOG(ERROR) << "Can't parse a context name";
+    return false;
+  }
+  const long long rest = packet->contextName.size() + 4LL;
+  if (!UnpackBytes(header, rest, &packet->command))
+  {
+    LOG(ERROR) << "Can't parse a command";
+    return false;
+  }
+  const long long tail = rest + 4 + packet->command.size();
+  packet->bodySize = UnpackNumber<int>(header, tail);
+  packet->bodyChecksum = UnpackNumber<quint16>(header, tail + 4);
+  return true;
+}
+
+bool HasBody(const Packet& packet)
+{
+  return !packet.command.isEmpty() && packet.bodySize >= smallestBody;
+}
+
+Packet ReadPacket(QIODevice* device)
+{
+  Packet packet;
+  if (!FindSignature(device) || !ReadPreamble(device, &packet))
+    return packet;
+
+  const QByteArray header = ReadDataWithTimeout(device, packet.headerSize, transferTimeout);
+  const quint16 headerChecksum = Checksum(header);
+  if (headerChecksum != packet.headerChecksum)
+  {
+    LOG(ERROR) << "Invalid header checksum " << headerChecksum << " (expected: " << packet.headerChecksum
+               << ")";
+    return packet;
+  }
+  if (!ParseHeader(header, &packet) || !HasBody(packet))
+    return packet;
+
+  const QByteArray body = ReadDataWithTimeout(device, packet.bodySize, transferTimeout);
+  const quint16 bodyChecksum = Checksum(body);
+  if (bodyChecksum == packet.bodyChecksum)
+    packet.body = body;
+  else
+    LOG(ERROR) << "Invalid body checksum " << bodyChecksum << " (expected: " << packet.bodyChecksum << ")";
+  return packet;
+}
+
+bool IsUsable(const Packet& packet)
+{
+  return packet.headerSize >= smallestHeader && HasBody(packet) && packet.body.size() >= smallestBody;
+}
+
+BodyMessage ParseBodyMessage(const QByteArray& body)
+{
+  BodyMessage message;
+  message.id = UnpackNumber<long long>(body, 0);
+  if (!UnpackBytes(body, 8, &message.first))
+    LOG(ERROR) << "Can't parse a client name";
+  else if (!UnpackBytes(body, message.first.size() + 12LL, &message.second))
+    LOG(ERROR) << "Can't parse a message";
+  return message;
+}
+
+BodyStatus ParseBodyStatus(const QByteArray& body)
+{
+  if (body.size() < 4)
+    return {};
+  const int count = UnpackNumber<int>(body, 0);
+  if (body.size() < 4LL * count + 4)
+    return {};
+
+  BodyStatus status;
+  long long offset = 4;
+  for (int i = 0; i < count; ++i)
+  {
+    QByteArray name;
+    if (!UnpackBytes(body, offset, &name))
+      return {};
+    offset += 4 + name.size();
+    status.members.append(name);
+  }
+  return status;
+}
+
+// ---- Packets that come in pieces ------------------------------------------------------------------------
+
+long long Nanoseconds(SteadyClock::duration duration)
+{
+  return boost::chrono::duration_cast<boost::chrono::nanoseconds>(duration).count();
+}
+
+} // namespace
+
+namespace Details
+{
+
+// What is known of the packet at the head of one connection. It looks without taking, so that nobody blocks
+// in the middle of a message.
+class Intake
+{
+public:
+  // Reads a packet, good or bad, if that needs no waiting.
+  bool Take(QIODevice* device, Packet* packet)
+  {
+    if (device->bytesAvailable() < smallestPacket)
+      return false;
+    if (needed == 0 && !SkipToSignature(device, packet))
+      return true;
+    if (IsWhole(device))
+    {
+      *this = Intake();
+      *packet = ReadPacket(device);
+      return true;
+    }
+    if (!HasStalled(device->bytesAvailable()))
+      return false;
+    *this = Intake();
+    *packet = ReadCopy(device, device->bytesAvailable());
+    return true;
+  }
+
+private:
+  // Where a signature, or what has come of it, begins.
+  static int FindBeginning(const QByteArray& data)
+  {
+    const int whole = data.indexOf(signature);
+    if (whole >= 0)
+      return whole;
+    int begun = std::max(data.size() - signature.size() + 1, 0);
+    while (!signature.startsWith(data.mid(begun)))
+      ++begun;
+    return begun;
+  }
+
+  // False when there was nothing but bytes that belong to no packet: then `packet` tells so.
+  bool SkipToSignature(QIODevice* device, Packet* packet)
+  {
+    if (device->peek(signature.size()) != signature)
+    {
+      const QByteArray waiting = device->peek(device->bytesAvailable());
+      const int beginning = FindBeginning(waiting);
+      if (waiting.size() - beginning < signature.size())
+      {
+        *packet = ReadCopy(device, beginning);
+        return false;
+      }
+      device->skip(beginning);
+    }
+    needed = preambleSize;
+    return true;
+  }
+
+  bool IsWhole(QIODevice* device)
+  {
+    const long long available = device->bytesAvailable();
+    if (available >= needed && !isHeaderKnown)
+    {
+      const int headerSize = UnpackNumber<int>(device->peek(preambleSize), signature.size());
+      isHeaderKnown = true;
+      isBodyKnown = headerSize < smallestHeader;
+      if (!isBodyKnown)
+        needed += headerSize;
+    }
+    if (available >= needed && !isBodyKnown)
+    {
+      needed += BodySize(device->peek(needed));
+      isBodyKnown = true;
+    }
+    return isBodyKnown && available >= needed;
+  }
+
+  // What the packet reader will want behind this header.
+  static long long BodySize(const QByteArray& beginning)
+  {
+    const QByteArray header = beginning.mid(preambleSize);
+    if (Checksum(header) != UnpackNumber<quint16>(beginning, signature.size() + 4))
+      return 0;
+    QByteArray contextName;
+    QByteArray command;
+    if (!UnpackBytes(header, 0, &contextName) || !UnpackBytes(header, contextName.size() + 4LL, &command))
+      return 0;
+    const int size = UnpackNumber<int>(header, 8LL + contextName.size() + command.size());
+    return command.isEmpty() || size < smallestBody ? 0 : size;
+  }
+
+  bool HasStalled(long long available)
+  {
+    const SteadyClock::time_point now = SteadyClock::now();
+    if (available != seen)
+    {
+      seen = available;
+      lastArrival = now;
+    }
+    return now - lastArrival >= boost::chrono::milliseconds(transferTimeout);
+  }
+
+  static Packet ReadCopy(QIODevice* device, long long size)
+  {
+    QByteArray bytes = device->read(size);
+    QBuffer copy(&bytes);
+    copy.open(QIODevice::ReadOnly);
+    return ReadPacket(&copy);
+  }
+
+  long long needed = 0; // bytes that the packet is known to have; 0 when none has begun
+  bool isHeaderKnown = false;
+  bool isBodyKnown = false;
+  long long seen = 0;
+  SteadyClock::time_point lastArrival;
+};
+
+} // namespace Details
+
+namespace
+{
+
+// ---- What becomes of a message --------------------------------------------------------------------------
+
+const QByteArray noError("OK");
+const QByteArray errorUnknown("UNKNOWN");
+const QByteArray errorNotSent("NOT SENT");
+const QByteArray errorNotWritten("NOT WRITTEN");
+const QByteArray errorNoRecipient("NO RECIPIENT");
+
+const QMap<QString, Error>& GetErrorCodes()
+{
+  static const QMap<QString, Error> erroCodecs = {
+      {QString::fromLatin1(noError), NoError},
+      {QString::fromLatin1(errorNotSent), ErrorNotSent},
+      {QString::fromLatin1(errorNotWritten), ErrorNotWritten},
+      {QString::fromLatin1(errorNoRecipient), ErrorNoRecipient},
+  };
+  return erroCodecs;
+}
+
+const QMap<QString, Error> errorCodes = GetErrorCodes();
+
+// ---- The rendezvous -------------------------------------------------------------------------------------
+
+// Held from the first attempt to connect until the participant is connected: looking for a server, removing
+// what a dead one left and listening are one step for everybody who takes it. Who cannot have it in time goes
+// on without.
+class StartupLock
+{
+public:
+  explicit StartupLock(const QString& serverName)
+  {
+    const QByteArray path = QFile::encodeName(serverName + QStringLiteral(".lock"));
+    file = open(path.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file >= 0 && IsOwn())
+      Wait();
+  }
+
+  ~StartupLock()
+  {
+    if (file >= 0)
+      close(file);
+  }
+
+  StartupLock(const StartupLock&) = delete;
+  StartupLock& operator=(const StartupLock&) = delete;
+
+private:
+  // Anybody may have put a file of that name into a shared temporary directory.
+  bool IsOwn() const
+  {
+    struct stat status = {};
+    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
+        status.st_nlink != 1)
+      return false;
+    return (status.st_mode & ALLPERMS) == (S_IRUSR | S_IWUSR) || fchmod(file, S_IRUSR | S_IWUSR) == 0;
+  }
+
+  void Wait() const
+  {
+    QElapsedTimer waiting;
+    waiting.start();
+    while (flock(file, LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR) &&
+           !waiting.hasExpired(lockTimeout))
+      boost::this_thread::sleep_for(boost::chrono::milliseconds(2));
+  }
+
+  int file = -1;
+};
+
+} // namespace
+
+namespace Details
+{
+
+// Tells a socket file from a later one of the same name.
+struct SocketFile
+{
+  dev_t device = 0;
+  ino_t node = 0;
+  qint64 changed = 0;
+
+  bool operator==(const SocketFile& other) const
+  {
+    return device == other.device && node == other.node && changed == other.changed;
+  }
+};
+
+} // namespace Details
+
+namespace
+{
+
+Details::SocketFile LookAtSocketFile(const QString& serverName)
+{
+  struct stat status = {};
+  if (stat(QFile::encodeName(serverName).constData(), &status) != 0)
+    return {};
+  return {status.st_dev, status.st_ino, QFileInfo(serverName).metadataChangeTime().toMSecsSinceEpoch()};
+}
+
+// Another user may have squatted the name in a shared temporary directory.
+bool IsTrusted(const Platform::LocalPeer& peer)
+{
+  return !peer.isKnown || peer.userId == getuid() || peer.userId == geteuid() || peer.userId == 0;
+}
+
+// Makes what is created in its scope the user's alone from the first instant.
+class PrivateCreation
+{
+public:
+  PrivateCreation() : previous(umask(S_IRWXG | S_IRWXO)) {}
+  ~PrivateCreation() { umask(previous); }
+
+  PrivateCreation(const PrivateCreation&) = delete;
+  PrivateCreation& operator=(const PrivateCreation&) = delete;
+
+private:
+  mode_t previous;
+};
+
+void Pause(long microseconds)
+{
+  boost::this_thread::sleep(boost::posix_time::microsec_clock::universal_time() +
+                            boost::posix_time::microseconds(microseconds));
+}
+
+int Random()
+{
+  QT_WARNING_PUSH
+  QT_WARNING_DISABLE_DEPRECATED
+  return qrand();
+  QT_WARNING_POP
+}
+
+bool IsConnected(const QLocalSocket* socket)
+{
+  return socket && socket->state() == QLocalSocket::ConnectedState;
+}
+
+// Lets the event loop run once, sleeping until it has something to do. Somebody's timer must be running.
+void RunEventLoop()
+{
+  QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+}
+
+} // namespace
+
+// ---- The participant ------------------------------------------------------------------------------------
+
+class Context::Impl : public std::enable_shared_from_this<Context::Impl>
+{
+public:
+  struct PendingMessage
+  {
+    long long id;
+    QByteArray recipient;
+    QByteArray packet;
+  };
+
+  Impl(const QString& contextName, const QString& clientName, int flags);
+
+  // Saying
+  long long Say(const QByteArray& recipient, const QByteArray& data);
+  void FlushPending();
+  bool Write(const QByteArray& packet);
+  void CancelMessagaesWithoutRecipient();
+
+  // Start-up
+  bool Init();
+  bool Register();
+  void Unregister();
+  bool Connect(int timeout);
+  bool ConnectToElected();
+  void NoteConnection();
+  bool GiveUp();
+  bool FailAttempt(bool isTicking);
+  void BecomeServer();
+  void RemoveSocketFile();
+  void ShakeHands();
+  void SendIntroduction();
+  bool WaitForReply();
+  bool IsServerGone() const;
+  void Attach();
+  void ScheduleReconnect();
+  void DropSocket();
+  void DropServer();
+
+  // Serving
+  void AddClient(QLocalSocket* client);
+  void AddOwnClient(QLocalSocket* client);
+  void WaitForIntroduction(QLocalSocket* client);
+  bool IsNameTaken(const QByteArray& name);
+  void RemoveDisconnectedClients();
+  void RemoveClient(const QByteArray& name);
+  void SendStatus();
+  void CheckClients();
+  bool TakeAndRoute(const QByteArray& name, QLocalSocket* client);
+  void RoutePacket(const QByteArray& name, const Packet& packet);
+  void SendMessage(const QByteArray& sender, const QByteArray& recipient, const QByteArray& data,
+                   long long id);
+  void SendResultToClient(const QByteArray& name, long long id, const QByteArray& code);
+  void SendResult(QLocalSocket* client, long long id, const QByteArray& code);
+
+  // Hearing
+  void CheckSocket();
+  void Tick();
+  void ReadIncoming(long long limit);
+  void DispatchPacket(const Packet& packet);
+  void DispatchMessage(const Packet& packet);
+  void DispatchStatus(const Packet& packet);
+  void DispatchResult(const Packet& packet);
+  Error ConvertErrorCode(const QByteArray& word) const;
+  long long TimeSinceConnection() const;
+
+  // Members and listeners
+  void ForAllListeners(const std::function<void(std::shared_ptr<Listener>)>& call);
+  void DispatchMembership(const BodyStatus& status);
+  bool HasMember(const QByteArray& name) const;
+  bool WaitMember(const QByteArray& name, long long timeout);
+  QPair<QString, QString> GetContextAndClientPair() const;
+
+  // Leaving
+  void Drain();
+  void WriteOut();
+  long long CountUnwritten();
+  void PassOnOwnMessages();
+  void Leave();
+
+  int flags;
+  QByteArray contextName;
+  QByteArray clientName;
+  QString serverName;
+  bool closing = false; // set when the Context is destroyed: everything on the stack has to unwind
+  SteadyClock::time_point lastConnectTime;
+  std::unique_ptr<QLocalSocket> socket;
+  Details::Intake intake;                  // of `socket`
+  Platform::ProcessIdentity serverProcess; // at the other end of `socket`
+  Details::SocketFile serverFile;          // through which `socket` connected
+  QTimer socketTimer;
+  bool isSettled = false; // whether this tick may send and tell of members
+  int tickDepth = 0;      // a Qt timer does not fire again within its own call
+  long long lastMessageId = 0;
+  bool isRegistered = false; // whether the pair of names was entered by this context
+  bool reconnectRequested = false;
+  QVector<QByteArray> deferredStatus;
+  QVector<PendingMessage> pending;
+  QVector<QByteArray> members;
+  std::unique_ptr<QLocalServer> server; // listening, and `socket` is connected to it; or empty
+  QMap<QByteArray, QPointer<QLocalSocket>> clients;
+  QHash<const QLocalSocket*, Details::Intake> intakes; // of `clients`
+  QVector<std::weak_ptr<Listener>> listeners;
+  QVector<std::weak_ptr<Listener>> stagedListeners;
+  QTimer clientsTimer;
+  QMetaObject::Connection quitConnection;
+};
+
+Context::Impl::Impl(const QString& contextName, const QString& clientName, int flags)
+    : flags(flags), contextName(contextName.toUtf8()), clientName(clientName.toUtf8())
+{
+  const QString name =
+      QStringLiteral("tavrik:bazaar:ipc:1.0") + userIdString + QLatin1Char(':') + contextName;
+  serverName = pathToSocket +
+               QString::fromLatin1(QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha1).toHex());
+
+  QObject::connect(
+      &clientsTimer, &QTimer::timeout, &clientsTimer, [this] { CheckClients(); }, Qt::DirectConnection);
+  if (QCoreApplication::instance())
+    quitConnection =
+        QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &clientsTimer,
+                         [this]
+                         {
+                           const auto self = shared_from_this();
+                           Drain();
+                         });
+}
+
+// ---- Saying ---------------------------------------------------------------------------------------------
+
+long long Context::Impl::Say(const QByteArray& recipient, const QByteArray& data)
+{
+  const long long id = lastMessageId + 1;
+  pending.append({id, recipient, CreateMessagePacket(contextName, id, recipient, data)});
+  lastMessageId = id;
+  return id;
+}
+
+void Context::Impl::FlushPending()
+{
+  QVector<PendingMessage> held;
+  QVector<long long> unsent;
+  for (const PendingMessage& message : qAsConst(pending))
+  {
+    if ((flags & HoldUntilMember) != 0 && !HasMember(message.recipient))
+      held.append(message);
+    else if (!Write(message.packet))
+      unsent.append(message.id);
+  }
+  pending = held;
+
+  const Error notSent = ConvertErrorCode(errorNotSent);
+  for (const long long id : qAsConst(unsent))
+    ForAllListeners([&](const std::shared_ptr<Listener>& listener)
+                    { listener->OnResult(id, notSent, QString()); });
+}
+
+// An empty packet is that of a message too long to be built.
+bool Context::Impl::Write(const QByteArray& packet)
+{
+  return !packet.isEmpty() && IsConnected(socket.get()) && socket->write(packet) == packet.size();
+}
+
+void Context::Impl::CancelMessagaesWithoutRecipient()
+{
+  pending.erase(std::remove_if(pending.begin(), pending.end(),
+                               [this](const PendingMessage& message)
+                               { return !HasMember(message.recipient); }),
+                pending.end());
+}
+
+// ---- Start-up and election ------------------------------------------------------------------------------
+
+namespace
+{
+
+// The first connection that a server of this process accepts is the process's own and comes without an
+// introduction. It belongs to the server that claims it: two that start before the event loop runs must not
+// both believe to be first.
+class FirstAdmission
+{
+public:
+  // Whether the own connection of `server` may stay silent.
+  static bool Claim(const void* server)
+  {
+    const void* nobody = nullptr;
+    return owner.compare_exchange_strong(nobody, server);
+  }
+
+  static bool Use(const void* server) { return owner.compare_exchange_strong(server, &owner); }
+
+  // A claim that was never used goes back.
+  static void Release(const void* server) { owner.compare_exchange_strong(server, nullptr); }
+
+private:
+  static std::atomic<const void*> owner; // of itself once it is used up
+};
+
+std::atomic<const void*> FirstAdmission::owner{nullptr};
+
+} // namespace
+
+bool Context::Impl::Init()
+{
+  if (reconnectRequested)
+  {
+    reconnectRequested = false;
+    DropSocket();
+    Unregister();
+  }
+  if (socket)
+    return true;
+  if (!Register())
+    return false;
+
+  const bool isTicking = socketTimer.isActive();
+  bool isElected = false; // by this attempt, whoever it was
+  {
+    const StartupLock lock(serverName);
+    if (Connect(serverTimeout))
+      NoteConnection();
+    else if ((flags & NoServer) != 0)
+      return GiveUp();
+    else
+    {
+      BecomeServer();
+      isElected = true;
+      if (!ConnectToElected())
+        return FailAttempt(isTicking);
+    }
+  }
+  ShakeHands();
+  if (!closing && !isElected && !reconnectRequested && !IsConnected(socket.get()))
+  {
+    if (!ConnectToElected())
+      return FailAttempt(isTicking);
+    ShakeHands();
+  }
+  if (closing)
+    return false;
+
+  Attach();
+  if (isTicking && !reconnectRequested && !IsConnected(socket.get()))
+    ScheduleReconnect();
+  return true;
+}
+
+bool Context::Impl::Register()
+{
+  const auto pair = GetContextAndClientPair();
+  const boost::unique_lock<boost::mutex> lock(usedContextAndClientPairsMutex);
+  if (usedContextAndClientPairs.contains(pair))
+  {
+    LOG(ERROR) << "The context name " << contextName.constData() << " is already in use with the client name "
+               << clientName.constData();
+    return false;
+  }
+  usedContextAndClientPairs.insert(pair);
+  isRegistered = true;
+  return true;
+}
+
+void Context::Impl::Unregister()
+{
+  if (!isRegistered)
+    return;
+  const boost::unique_lock<boost::mutex> lock(usedContextAndClientPairsMutex);
+  usedContextAndClientPairs.remove(GetContextAndClientPair());
+  isRegistered = false;
+}
+
+bool Context::Impl::Connect(int timeout)
+{
+  socket = std::make_unique<QLocalSocket>();
+  intake = Details::Intake();
+  socket->connectToServer(serverName, QIODevice::ReadWrite);
+  if (!socket->waitForConnected(timeout))
+    return false;
+
+  const Platform::LocalPeer peer = Platform::GetLocalPeer(static_cast<int>(socket->socketDescriptor()));
+  if (!IsTrusted(peer))
+  {
+    socket->abort();
+    return false;
+  }
+  serverProcess = peer.process;
+  serverFile = LookAtSocketFile(serverName);
+  return true;
+}
+
+bool Context::Impl::ConnectToElected()
+{
+  if (Connect(ownServerTimeout))
+  {
+    NoteConnection();
+    return true;
+  }
+  LOG(ERROR) << clientName.constData() << " couldn't connect to the server ("
+             << static_cast<const void*>(serverName.constData()) << ")";
+  return false;
+}
+
+void Context::Impl::NoteConnection()
+{
+  lastConnectTime = SteadyClock::now();
+  LOG(INFO) << clientName.constData() << " has connected to a server ("
+            << static_cast<const void*>(serverName.constData()) << ")";
+}
+
+bool Context::Impl::GiveUp()
+{
+  clientsTimer.stop();
+  LOG(WARNING) << "Can't connect to a server and the NO SERVER flag is set (" << clientName.constData()
+               << "): " << QFile::exists(serverName);
+  return false;
+}
+
+// A participant that has not started yet stays away; one that ticks tries again.
+bool Context::Impl::FailAttempt(bool isTicking)
+{
+  if (isTicking && (flags & NoServer) == 0)
+    ScheduleReconnect();
+  return false;
+}
+
+void Context::Impl::BecomeServer()
+{
+  RemoveSocketFile();
+  clients.clear();
+  intakes.clear();
+
+  auto candidate = std::make_unique<QLocalServer>();
+  {
+    const PrivateCreation creation;
+    if (!candidate->listen(serverName))
+      return;
+  }
+  QFile::setPermissions(serverName, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+  server = std::move(candidate);
+  QObject::connect(
+      server.get(), &QLocalServer::newConnection, server.get(),
+      [this] { AddClient(server->nextPendingConnection()); }, Qt::DirectConnection);
+  clientsTimer.start(tickPeriod);
+}
+
+void Context::Impl::RemoveSocketFile()
+{
+  if (!QFile::remove(serverName))
+    VLOG(30) << "Can't remove an old local socket file: " << serverName.toLocal8Bit().constData();
+}
+
+void Context::Impl::ShakeHands()
+{
+  if (server && FirstAdmission::Claim(this))
+    return;
+
+  SendIntroduction();
+  if (!WaitForReply())
+    return;
+  const Packet packet = ReadPacket(socket.get());
+  if (!IsUsable(packet))
+  {
+    LOG(ERROR) << "Can't read a packet";
+    return;
+  }
+  if (packet.command != commandStatus)
+  {
+    LOG(ERROR) << "Expected " << commandStatus.constData() << " got " << packet.command.constData();
+    return;
+  }
+  const BodyStatus status = ParseBodyStatus(packet.body);
+  if (status.members.isEmpty())
+    LOG(ERROR) << "Can't parse a body of the command " << packet.command.constData();
+  else
+    DispatchMembership(status);
+}
+
+void Context::Impl::SendIntroduction()
+{
+  socket->write(CreatePacket(contextName, commandMessage, CreateBodyMessage(0, QByteArray(), clientName)));
+  socket->waitForBytesWritten(transferTimeout);
+}
+
+// A server that refuses the name hangs up and never answers: that wait has no end. One that is gone cannot
+// answer.
+bool Context::Impl::WaitForReply()
+{
+  QTimer wakeUp;
+  wakeUp.start(heartbeat);
+  while (socket->bytesAvailable() == 0)
+  {
+    if (IsServerGone())
+    {
+      ScheduleReconnect();
+      return false;
+    }
+    RunEventLoop();
+    if (closing)
+      return false;
+  }
+  return true;
+}
+
+bool Context::Impl::IsServerGone() const
+{
+  const bool isConnected = IsConnected(socket.get());
+  if (serverProcess.pid > 0 && !Platform::IsAlive(serverProcess))
+    return true;
+  return !isConnected && (serverProcess.pid <= 0 || !(LookAtSocketFile(serverName) == serverFile));
+}
+
+void Context::Impl::Attach()
+{
+  QObject::connect(
+      socket.get(), &QLocalSocket::disconnected, socket.get(), [this] { ScheduleReconnect(); },
+      Qt::DirectConnection);
+  QObject::connect(
+      socket.get(), &QLocalSocket::errorOccurred, socket.get(),
+      [this]
+      {
+        // A wait that merely timed out is an error, too.
+        if (!IsConnected(socket.get()))
+          ScheduleReconnect();
+      },
+      Qt::DirectConnection);
+  // One more connection for every reconnection: after k of them a tick comes k + 1 times.
+  QObject::connect(
+      &socketTimer, &QTimer::timeout, &socketTimer, [this] { CheckSocket(); }, Qt::DirectConnection);
+  // Starting it anew within its own call would let it fire inside that call.
+  if (!socketTimer.isActive())
+    socketTimer.start(tickPeriod);
+}
+
+// The pauses spread the survivors of a server over time.
+void Context::Impl::ScheduleReconnect()
+{
+  Pause(20000);
+  if (server)
+  {
+    DropServer();
+    RemoveSocketFile();
+  }
+  Pause(20000 + Random() % 150000);
+  reconnectRequested = true;
+}
+
+void Context::Impl::DropSocket()
+{
+  if (socket)
+    socket->disconnect();
+  socket.reset();
+  intake = Details::Intake();
+  deferredStatus.clear();
+}
+
+// A closing QLocalServer removes its file by name, whosever it has become; the lock keeps a successor from
+// putting his there meanwhile.
+void Context::Impl::DropServer()
+{
+  clientsTimer.stop();
+  FirstAdmission::Release(this);
+  if (!server)
+    return;
+  for (QLocalSocket* client : server->findChildren<QLocalSocket*>())
+    client->disconnect();
+  server->disconnect();
+  clients.clear();
+  intakes.clear();
+  const StartupLock lock(serverName);
+  server.reset();
+}
+
+// ---- Serving: admission ---------------------------------------------------------------------------------
+
+void Context::Impl::AddClient(QLocalSocket* client)
+{
+  if (!client)
+    return;
+  if (FirstAdmission::Use(this))
+  {
+    AddOwnClient(client);
+    return;
+  }
+
+  WaitForIntroduction(client);
+  const Packet packet = ReadPacket(client);
+  if (!IsUsable(packet))
+  {
+    LOG(ERROR) << "Can't read a packet";
+    client->deleteLater();
+    return;
+  }
+  if (packet.command != commandMessage)
+  {
+    LOG(ERROR) << "Got the command " << packet.command.constData()
+               << " (expected: " << commandMessage.constData() << ")";
+    // It stays, and nobody will read what it sends: that must not pile up here.
+    client->setReadBufferSize(1);
+    QObject::connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
+    return;
+  }
+  const BodyMessage introduction = ParseBodyMessage(packet.body);
+  const QByteArray& name = introduction.second;
+  if (introduction.id != 0 || !introduction.first.isEmpty())
+    LOG(WARNING) << "Something strange with the initial message (MESSAGE ID: " << introduction.id
+                 << "; RECIPIENT NAME: \"" << introduction.first.constData() << "\"; MESSAGE: \""
+                 << name.constData() << "\")";
+
+  RemoveDisconnectedClients();
+  if (IsNameTaken(name))
+  {
+    LOG(ERROR) << "The client with the name \"" << name.constData() << "\" has alredy connected";
+    client->deleteLater();
+    return;
+  }
+  clients.insert(name, client);
+  QObject::connect(
+      client, &QLocalSocket::disconnected, client, [this] { RemoveDisconnectedClients(); },
+      Qt::DirectConnection);
+  SendStatus();
+}
+
+void Context::Impl::AddOwnClient(QLocalSocket* client)
+{
+  clients.insert(clientName, client);
+  if (!HasMember(clientName))
+    members.append(clientName);
+  SendStatus();
+}
+
+// A peer that lives and says nothing is waited for; one that has gone is not.
+void Context::Impl::WaitForIntroduction(QLocalSocket* client)
+{
+  if (client->bytesAvailable() == 0)
+    client->waitForReadyRead(transferTimeout);
+  while (client->bytesAvailable() < smallestIntroduction && IsConnected(client))
+    client->waitForReadyRead(introductionTimeout);
+}
+
+// Somebody who left and comes back may stand at the door before the event loop has told that he left.
+bool Context::Impl::IsNameTaken(const QByteArray& name)
+{
+  const QPointer<QLocalSocket> holder = clients.value(name);
+  const int looks = 64;
+  for (int i = 0; i < looks && IsConnected(holder) && holder->waitForReadyRead(0); ++i)
+    continue;
+  return !clients.value(name).isNull();
+}
+
+void Context::Impl::RemoveDisconnectedClients()
+{
+  if (closing || !server)
+    return;
+  for (const QByteArray& name : clients.keys())
+  {
+    const QPointer<QLocalSocket> client = clients.value(name);
+    if (client &&
+        (client->state() == QLocalSocket::UnconnectedState || client->state() == QLocalSocket::ClosingState))
+      RemoveClient(name);
+  }
+  SendStatus();
+}
+
+// What a client had sent whole when it left is still passed on.
+void Context::Impl::RemoveClient(const QByteArray& name)
+{
+  const QPointer<QLocalSocket> client = clients.value(name);
+  while (client && clients.value(name) == client && TakeAndRoute(name, client))
+    continue;
+  if (clients.value(name) != client)
+    return;
+  clients.remove(name);
+  intakes.remove(client);
+  if (client)
+    client->deleteLater();
+}
+
+void Context::Impl::SendStatus()
+{
+  const QList<QByteArray> names = clients.keys();
+  const QByteArray packet = CreatePacket(contextName, commandStatus, CreateBodyStatus(names));
+  for (const QByteArray& name : names)
+  {
+    const QPointer<QLocalSocket> client = clients.value(name);
+    if (!IsConnected(client))
+      continue;
+    client->write(packet);
+    client->waitForBytesWritten(transferTimeout);
+  }
+}
+
+// ---- Serving: routing -----------------------------------------------------------------------------------
+
+void Context::Impl::CheckClients()
+{
+  for (const QByteArray& name : clients.keys())
+    TakeAndRoute(name, clients.value(name));
+}
+
+bool Context::Impl::TakeAndRoute(const QByteArray& name, QLocalSocket* client)
+{
+  Packet packet;
+  if (!client || client->bytesAvailable() < smallestPacket || !intakes[client].Take(client, &packet))
+    return false;
+  RoutePacket(name, packet);
+  return true;
+}
+
+void Context::Impl::RoutePacket(const QByteArray& name, const Packet& packet)
+{
+  if (!IsUsable(packet))
+  {
+    LOG(ERROR) << "Can't read a packet";
+  }
+  else if (packet.command == commandMessage)
+  {
+    const BodyMessage message = ParseBodyMessage(packet.body);
+    SendMessage(name, message.first, message.second, message.id);
+  }
+  else
+  {
+    LOG(ERROR) << "Unexpected command \"" << packet.command.constData() << "\" from the client "
+               << name.constData();
+  }
+}
+
+void Context::Impl::SendMessage(const QByteArray& sender, const QByteArray& recipient, const QByteArray& data,
+                                long long id)
+{
+  const QPointer<QLocalSocket> target = clients.value(recipient);
+  if (!target)
+  {
+    SendResultToClient(sender, id, errorNoRecipient);
+    return;
+  }
+  if (!IsConnected(target))
+  {
+    clients.remove(recipient);
+    intakes.remove(target);
+    target->deleteLater();
+    LOG(WARNING) << "Client " << recipient.constData() << " is not connected";
+    return;
+  }
+  const QByteArray packet = CreateMessagePacket(contextName, 0, sender, data);
+  const bool isWritten = !packet.isEmpty() && target->write(packet) == packet.size();
+  SendResultToClient(sender, id, isWritten ? noError : errorNotWritten);
+}
+
+void Context::Impl::SendResultToClient(const QByteArray& name, long long id, const QByteArray& code)
+{
+  const QPointer<QLocalSocket> client = clients.value(name);
+  if (IsConnected(client))
+    SendResult(client, id, code);
+}
+
+void Context::Impl::SendResult(QLocalSocket* client, long long id, const QByteArray& code)
+{
+  client->write(CreatePacket(contextName, commandResult, CreateBodyMessage(id, code, QByteArray())));
+}
+
+// ---- Hearing --------------------------------------------------------------------------------------------
+
+void Context::Impl::CheckSocket()
+{
+  const auto self = shared_from_this();
+  ++tickDepth;
+  Tick();
+  --tickDepth;
+}
+
+void Context::Impl::Tick()
+{
+  isSettled = TimeSinceConnection() >= settleTime;
+
+  // What came before the connection broke would go with the socket.
+  if (reconnectRequested)
+    ReadIncoming(std::numeric_limits<long long>::max());
+  if (closing)
+    return;
+
+  const SteadyClock::time_point previousConnectTime = lastConnectTime;
+  const bool isStarted = Init();
+  if (closing)
+    return;
+  if (!isStarted)
+  {
+    if (isSettled && (flags & NoServer) != 0)
+    {
+      members.clear();
+      DispatchMembership(BodyStatus());
+    }
+    return;
+  }
+  if (lastConnectTime != previousConnectTime)
+    isSettled = TimeSinceConnection() >= settleTime;
+
+  if (isSettled && !deferredStatus.isEmpty())
+  {
+    BodyStatus status;
+    status.members.swap(deferredStatus);
+    DispatchMembership(status);
+  }
+  ReadIncoming(readingTime);
+  if (isSettled && !closing)
+    FlushPending();
+}
+
+void Context::Impl::ReadIncoming(long long limit)
+{
+  const SteadyClock::time_point start = SteadyClock::now();
+  while (!closing && socket && socket->bytesAvailable() >= smallestPacket &&
+         Nanoseconds(SteadyClock::now() - start) < limit)
+  {
+    Packet packet;
+    if (!intake.Take(socket.get(), &packet))
+      break;
+    DispatchPacket(packet);
+  }
+}
+
+void Context::Impl::DispatchPacket(const Packet& packet)
+{
+  if (!IsUsable(packet))
+    LOG(ERROR) << "Can't read a packet";
+  else if (packet.command == commandMessage)
+    DispatchMessage(packet);
+  else if (packet.command == commandStatus)
+    DispatchStatus(packet);
+  else if (packet.command == commandResult)
+    DispatchResult(packet);
+  else
+    LOG(ERROR) << "Unexpected command \"" << packet.command.constData();
+}
+
+void Context::Impl::DispatchMessage(const Packet& packet)
+{
+  const BodyMessage message = ParseBodyMessage(packet.body);
+  const QString sender = QString::fromUtf8(message.first);
+  ForAllListeners([&](const std::shared_ptr<Listener>& listener)
+                  { listener->OnMessage(sender, message.second); });
+}
+
+void Context::Impl::DispatchStatus(const Packet& packet)
+{
+  const BodyStatus status = ParseBodyStatus(packet.body);
+  if (status.members.isEmpty())
+    LOG(ERROR) << "Can't parse a body of the command " << packet.command.constData();
+  else if (!isSettled)
+    deferredStatus = status.members;
+  else
+    DispatchMembership(status);
+}
+
+void Context::Impl::DispatchResult(const Packet& packet)
+{
+  const long long id = UnpackNumber<long long>(packet.body, 0);
+  QByteArray code;
+  QByteArray description;
+  if (!UnpackBytes(packet.body, 8, &code))
+    LOG(ERROR) << "Can't parse an error code";
+  else if (!UnpackBytes(packet.body, 12LL + code.size(), &description))
+    LOG(ERROR) << "Can't parse an error description";
+  const Error result = ConvertErrorCode(code);
+  const QString note = QString::fromUtf8(description);
+  ForAllListeners([&](const std::shared_ptr<Listener>& listener) { listener->OnResult(id, result, note); });
+}
+
+Error Context::Impl::ConvertErrorCode(const QByteArray& word) const
+{
+  return errorCodes.value(QString::fromLatin1(word), ErrorUnknown);
+}
+
+long long Context::Impl::TimeSinceConnection() const
+{
+  return Nanoseconds(SteadyClock::now() - lastConnectTime);
+}
+
+// ---- Members and listeners ------------------------------------------------------------------------------
+
+void Context::Impl::ForAllListeners(const std::function<void(std::shared_ptr<Listener>)>& call)
+{
+  listeners += stagedListeners;
+  stagedListeners.clear();
+
+  const QVector<std::weak_ptr<Listener>> walked = listeners;
+  for (const std::weak_ptr<Listener>& reference : walked)
+  {
+    if (closing)
+      return;
+    if (const std::shared_ptr<Listener> listener = reference.lock())
+      call(listener);
+  }
+  listeners.erase(std::remove_if(listeners.begin(), listeners.end(),
+                                 [](const std::weak_ptr<Listener>& reference)
+                                 { return reference.expired(); }),
+                  listeners.end());
+}
+
+void Context::Impl::DispatchMembership(const BodyStatus& status)
+{
+  const auto difference = [](const QVector<QByteArray>& names, const QVector<QByteArray>& others)
+  {
+    const QSet<QByteArray> known(others.begin(), others.end());
+    QStringList missing;
+    for (const QByteArray& name : names)
+      if (!known.contains(name))
+        missing.append(QString::fromUtf8(name));
+    return missing;
+  };
+  const QStringList departed = difference(members, status.members);
+  const QStringList arrived = difference(status.members, members);
+  members = status.members;
+
+  for (const QString& name : departed)
+    ForAllListeners([&](const std::shared_ptr<Listener>& listener) { listener->OnMemberLeft(name); });
+  for (const QString& name : arrived)
+    ForAllListeners([&](const std::shared_ptr<Listener>& listener) { listener->OnMemberJoined(name); });
+}
+
+bool Context::Impl::HasMember(const QByteArray& name) const
+{
+  return members.contains(name);
+}
+
+bool Context::Impl::WaitMember(const QByteArray& name, long long timeout)
+{
+  const SteadyClock::time_point start = SteadyClock::now();
+  while (!HasMember(name) && !closing && Nanoseconds(SteadyClock::now() - start) / 1000000 < timeout)
+    QCoreApplication::processEvents();
+  return HasMember(name);
+}
+
+QPair<QString, QString> Context::Impl::GetContextAndClientPair() const
+{
+  return {QString::fromUtf8(contextName), QString::fromUtf8(clientName)};
+}
+
+// ---- Leaving --------------------------------------------------------------------------------------------
+
+void Context::Impl::Drain()
+{
+  QTimer wakeUp;
+  wakeUp.start(tickPeriod);
+  QElapsedTimer unconnected;
+  unconnected.start();
+  do
+  {
+    while (!pending.isEmpty() && !unconnected.hasExpired(drainTimeout))
+    {
+      CancelMessagaesWithoutRecipient();
+      RunEventLoop();
+      if (IsConnected(socket.get()))
+        unconnected.restart();
+      // Called from within a tick, there will be no other to write the rest.
+      if (tickDepth > 0 && TimeSinceConnection() >= settleTime)
+        FlushPending();
+    }
+    WriteOut();
+  } while (!pending.isEmpty() && !unconnected.hasExpired(drainTimeout));
+}
+
+// Bytes that Qt has accepted would go with the socket.
+void Context::Impl::WriteOut()
+{
+  QTimer wakeUp;
+  wakeUp.start(tickPeriod);
+  QElapsedTimer idle;
+  idle.start();
+  long long least = std::numeric_limits<long long>::max();
+  for (long long rest = CountUnwritten(); rest > 0 && !idle.hasExpired(writeOutTimeout);
+       rest = CountUnwritten())
+  {
+    if (rest < least)
+    {
+      least = rest;
+      idle.restart();
+    }
+    RunEventLoop();
+  }
+}
+
+long long Context::Impl::CountUnwritten()
+{
+  long long unwritten = IsConnected(socket.get()) ? socket->bytesToWrite() : 0;
+  if (!server)
+    return unwritten;
+  PassOnOwnMessages();
+  for (const QPointer<QLocalSocket>& client : qAsConst(clients))
+    if (IsConnected(client))
+      unwritten += client->bytesToWrite();
+  return unwritten;
+}
+
+void Context::Impl::PassOnOwnMessages()
+{
+  const QPointer<QLocalSocket> own = clients.value(clientName);
+  while (IsConnected(own) && own->waitForReadyRead(0))
+    continue;
+  while (own && TakeAndRoute(clientName, own))
+    continue;
+}
+
+void Context::Impl::Leave()
+{
+  Drain();
+  closing = true;
+  Unregister();
+
+  QObject::disconnect(quitConnection);
+  clientsTimer.stop();
+  stagedListeners.clear();
+  listeners.clear();
+  DropServer();
+  members.clear();
+  pending.clear();
+  socketTimer.stop();
+  DropSocket();
+}
+
+// ---- The facade -----------------------------------------------------------------------------------------
+
+QString GetErrorString(Error error)
+{
+  return errorCodes.key(error, QString::fromLatin1(errorUnknown));
+}
+
+Listener::~Listener() = default;
+
+Context::Context(const QString& contextName, const QString& clientName,
+                 const std::shared_ptr<Listener>& listener, int flags)
+    : impl(std::make_shared<Impl>(contextName, clientName, flags))
+{
+  Listen(listener);
+  impl->Init();
+}
+
+Context::~Context()
+{
+  impl->Leave();
+}
+
+void Context::Listen(const std::shared_ptr<Listener>& listener)
+{
+  if (listener)
+    impl->listeners.append(listener);
+}
+
+long long Context::Say(const QString& recipient, const QByteArray& data)
+{
+  return impl->Say(recipient.toUtf8(), data);
+}
+
+bool Context::HasMember(const QString& name) const
+{
+  return impl->HasMember(name.toUtf8());
+}
+
+QList<QString> Context::Members() const
+{
+  QList<QString> names;
+  for (const QByteArray& name : qAsConst(impl->members))
+    names.append(QString::fromUtf8(name));
+  return names;
+}
+
+bool Context::WaitMember(const QString& name, long long timeout)
+{
+  const std::shared_ptr<Impl> self = impl;
+  return self->WaitMember(name.toUtf8(), timeout);
+}
+
+} // namespace Tavrik::Bazaar

@@ -1,0 +1,200 @@
+#include <Common/RAMCleaner.h>
+
+#include <Common/Platform/ApplicationLocations.h>
+#include <Common/RAMInfo.h>
+
+#include <QPointer>
+#include <QProcess>
+#include <QTimerEvent>
+
+#include <glog/logging.h>
+
+namespace Tavrik::Cleaner
+{
+
+namespace
+{
+
+const Platform::Path purgerName(QStringLiteral("Tavrik Ostrel Purger"));
+[[maybe_unused]] const QString vmStatCommand = QStringLiteral("vm_stat");
+
+const int startTimeout = 30000;   // ms
+const int pollPeriod = 50;        // ms
+const qint64 bytesPerPage = 4096; // on every machine, also where pages are larger
+const int complete = 100;
+
+qint64 FreedBytes(quint32 pagesBefore, quint32 pagesAfter)
+{
+  return pagesAfter > pagesBefore ? (pagesAfter - pagesBefore) * bytesPerPage : 0;
+}
+
+// QString::toInt forgives blanks around the number.
+int ToNumber(const QString& text)
+{
+  return text == text.trimmed() ? text.toInt() : 0;
+}
+
+bool ParseProgress(const QByteArray& line, int* percentage)
+{
+  const QString prefix = QStringLiteral("PROGRESS: ");
+  const QString suffix = QStringLiteral("%\n");
+  const QString text = QString::fromLocal8Bit(line.constData()); // up to the first zero byte
+  if (!text.startsWith(prefix) || !text.endsWith(suffix))
+    return false;
+  *percentage = ToNumber(text.mid(prefix.size(), text.size() - prefix.size() - suffix.size()));
+  return true;
+}
+
+} // namespace
+
+class RAMCleaner::Impl
+{
+public:
+  int timerId = 0; // above 0 exactly while a run is in progress
+  qint64 totalSize = 0;
+  vm_statistics64 statistics = {};
+  quint32 freePagesBefore = 0;
+  quint32 freePagesAfter = 0;
+  std::unique_ptr<QProcess> purgerProcess = std::make_unique<QProcess>();
+  int progress = 0; // percent
+  int run = 0;      // which run it is; a slot may have ended one and begun another
+  bool isTellingEnd = false;
+};
+
+RAMCleaner::RAMCleaner(QObject* parent) : QObject(parent), impl(std::make_unique<Impl>())
+{
+  if (!RAMInfo::GetTotalSize(&impl->totalSize))
+    LOG(ERROR) << "Can't get the machine physical memory size";
+  ReadStatistics();
+}
+
+RAMCleaner::~RAMCleaner() = default;
+
+qint64 RAMCleaner::GetTotalRAMSize() const
+{
+  return impl->totalSize;
+}
+
+qint64 RAMCleaner::GetFreeRAMSize() const
+{
+  ReadStatistics();
+  return impl->statistics.free_count * bytesPerPage;
+}
+
+qint64 RAMCleaner::GetLastCleanedRAMSize() const
+{
+  return FreedBytes(impl->freePagesBefore, impl->freePagesAfter);
+}
+
+bool RAMCleaner::Clean()
+{
+  if (IsCleaning())
+    return false;
+
+  // The purger of the last run may still be ending. QProcess would refuse to start another, so it goes its
+  // own way.
+  if (impl->purgerProcess->state() != QProcess::NotRunning)
+  {
+    QProcess* const ending = impl->purgerProcess.release();
+    impl->purgerProcess = std::make_unique<QProcess>();
+    ending->setParent(this);
+    connect(ending, &QProcess::stateChanged, ending,
+            [ending](QProcess::ProcessState state)
+            {
+              if (state == QProcess::NotRunning)
+                ending->deleteLater();
+            });
+  }
+
+  const QString program = QString::fromUtf8(Platform::FindHelper(purgerName).ToUtf8());
+  ReadStatistics();
+  impl->freePagesBefore = impl->statistics.free_count;
+  impl->progress = 0;
+  impl->purgerProcess->start(program, QStringList(), QIODevice::ReadWrite);
+  if (!impl->purgerProcess->waitForStarted(startTimeout))
+  {
+    LOG(ERROR) << "Can't start " << program.toLocal8Bit().constData() << '\n';
+    return false;
+  }
+  ++impl->run;
+  impl->timerId = startTimer(pollPeriod, Qt::CoarseTimer);
+  emit CleaningStarted();
+  return true;
+}
+
+void RAMCleaner::Stop()
+{
+  if (impl->isTellingEnd && !IsCleaning())
+    return;
+  impl->purgerProcess->kill();
+  FinishCleaning();
+}
+
+bool RAMCleaner::IsCleaning() const
+{
+  return impl->timerId > 0;
+}
+
+float RAMCleaner::GetProgress() const
+{
+  return static_cast<float>(impl->progress / 100.0);
+}
+
+void RAMCleaner::timerEvent(QTimerEvent* event)
+{
+  QObject::timerEvent(event);
+  if (event->timerId() == impl->timerId)
+    ProcessCleaning();
+}
+
+void RAMCleaner::ReadStatistics() const
+{
+  if (!RAMInfo::GetStatistics(&impl->statistics))
+    LOG(ERROR) << "Can't get memory statistics";
+}
+
+void RAMCleaner::ProcessCleaning()
+{
+  QProcess& purger = *impl->purgerProcess;
+  if (purger.state() == QProcess::Starting)
+    return;
+  if (purger.state() != QProcess::Running)
+    return FinishCleaning();
+  if (!purger.canReadLine())
+    return;
+
+  int percentage = 0;
+  if (!ParseProgress(purger.readLine(), &percentage))
+    return;
+  const bool isNew = percentage != impl->progress;
+  impl->progress = percentage;
+  if (isNew)
+  {
+    const QPointer<RAMCleaner> self(this);
+    const int run = impl->run;
+    emit ProgressChanged(GetProgress());
+    if (!self || !IsCleaning() || impl->run != run)
+      return;
+  }
+  if (percentage == complete)
+    FinishCleaning();
+}
+
+void RAMCleaner::FinishCleaning()
+{
+  if (impl->timerId != 0)
+    killTimer(impl->timerId);
+  impl->timerId = 0;
+  impl->progress = complete;
+  ReadStatistics();
+  impl->freePagesAfter = impl->statistics.free_count;
+
+  const QPointer<RAMCleaner> self(this);
+  const bool wasTellingEnd = impl->isTellingEnd;
+  impl->isTellingEnd = true;
+  emit CleaningFinished(GetLastCleanedRAMSize());
+  if (self)
+    impl->isTellingEnd = wasTellingEnd;
+}
+
+} // namespace Tavrik::Cleaner

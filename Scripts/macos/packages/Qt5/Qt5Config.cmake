@@ -1,0 +1,21 @@
+include(${CMAKE_CURRENT_LIST_DIR}/../Headers.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/Qt5ConfigVersion.cmake)
+
+set(Qt5Core_VERSION ${PACKAGE_VERSION})
+string(REPLACE "." ";" parts ${PACKAGE_VERSION})
+list(GET parts 0 Qt5Core_VERSION_MAJOR)
+list(GET parts 1 Qt5Core_VERSION_MINOR)
+list(GET parts 2 Qt5Core_VERSION_PATCH)
+
+if(NOT TARGET Qt5::moc)
+  find_program(TAVRIK_MOC moc PATHS /usr/lib/qt5/bin NO_DEFAULT_PATH REQUIRED)
+  add_executable(Qt5::moc IMPORTED GLOBAL)
+  set_target_properties(Qt5::moc PROPERTIES IMPORTED_LOCATION ${TAVRIK_MOC})
+endif()
+
+foreach(component IN LISTS Qt5_FIND_COMPONENTS)
+  tavrik_header_target(Qt5::${component} ${TAVRIK_QT_HEADERS} ${TAVRIK_QT_HEADERS}/Qt${component})
+  string(TOUPPER ${component} upper)
+  target_compile_definitions(Qt5::${component} INTERFACE QT_${upper}_LIB)
+  set(Qt5_${component}_FOUND TRUE)
+endforeach()

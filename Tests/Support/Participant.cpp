@@ -1,0 +1,134 @@
+// A participant in a process of its own, led by lines on its standard input:
+//
+//   say RECIPIENT BASE64    says a message
+//   members                 tells the members
+//   blink                   leaves and comes back
+//   quit                    leaves
+//
+// and telling what it hears on its standard output. At the end of its input it leaves, too.
+
+#include <Common/Bazaar.h>
+
+#include <QCoreApplication>
+#include <QRandomGenerator>
+#include <QSocketNotifier>
+#include <QStringList>
+
+#include <glog/logging.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <unistd.h>
+
+using namespace Tavrik;
+
+namespace
+{
+
+void Tell(const QString& line)
+{
+  std::printf("%s\n", line.toUtf8().constData());
+  std::fflush(stdout);
+}
+
+class Teller : public Bazaar::Listener
+{
+public:
+  void OnMessage(const QString& sender, const QByteArray& data) override
+  {
+    // Long payloads are told by their length and their checksum.
+    const QByteArray shown = data.size() > 4096
+                                 ? "size " + QByteArray::number(data.size()) + " crc " +
+                                       QByteArray::number(qChecksum(data.constData(), uint(data.size())))
+                                 : data.toBase64();
+    Tell(QStringLiteral("message %1 %2").arg(sender, QString::fromLatin1(shown)));
+  }
+  void OnResult(long long id, Bazaar::Error result, const QString&) override
+  {
+    Tell(QStringLiteral("result %1 %2").arg(id).arg(Bazaar::GetErrorString(result)));
+  }
+  void OnMemberJoined(const QString& name) override { Tell(QStringLiteral("joined %1").arg(name)); }
+  void OnMemberLeft(const QString& name) override { Tell(QStringLiteral("left %1").arg(name)); }
+};
+
+class Participant
+{
+public:
+  explicit Participant(const QStringList& arguments) : arguments(arguments) { Join(); }
+
+  void Obey(const QByteArray& line)
+  {
+    const QList<QByteArray> words = line.split(' ');
+    if (words.value(0) == "say")
+      context->Say(QString::fromUtf8(words.value(1)), QByteArray::fromBase64(words.value(2)));
+    else if (words.value(0) == "fill")
+      context->Say(QString::fromUtf8(words.value(1)), QByteArray(words.value(2).toInt(), 'x'));
+    else if (words.value(0) == "members")
+      Tell(QStringLiteral("members %1").arg(QStringList(context->Members()).join(QLatin1Char(','))));
+    else if (words.value(0) == "blink")
+    {
+      context.reset();
+      Join();
+    }
+    else if (words.value(0) == "quit")
+      QCoreApplication::quit();
+  }
+
+private:
+  void Join()
+  {
+    context = std::make_unique<Bazaar::Context>(arguments.value(1), arguments.value(2), teller,
+                                                arguments.value(3).toInt());
+    Tell(QStringLiteral("ready"));
+  }
+
+  QStringList arguments;
+  std::shared_ptr<Teller> teller = std::make_shared<Teller>();
+  std::unique_ptr<Bazaar::Context> context;
+};
+
+} // namespace
+
+// CONTEXT NAME FLAGS
+int main(int argc, char** argv)
+{
+  google::InitGoogleLogging(argv[0]);
+  FLAGS_logtostderr = true;
+  QCoreApplication application(argc, argv);
+  QT_WARNING_PUSH
+  QT_WARNING_DISABLE_DEPRECATED
+  qsrand(QRandomGenerator::global()->generate());
+  QT_WARNING_POP
+
+  // Even a participant whose start-up never returns has to go when its leader has gone.
+  QByteArray input;
+  std::unique_ptr<Participant> participant;
+  QSocketNotifier notifier(STDIN_FILENO, QSocketNotifier::Read);
+  QObject::connect(&notifier, &QSocketNotifier::activated,
+                   [&]
+                   {
+                     char buffer[65536];
+                     const ssize_t size = read(STDIN_FILENO, buffer, sizeof(buffer));
+                     if (size <= 0)
+                     {
+                       if (!participant)
+                         std::_Exit(EXIT_FAILURE);
+                       notifier.setEnabled(false);
+                       QCoreApplication::quit();
+                       return;
+                     }
+                     input.append(buffer, static_cast<int>(size));
+                     while (participant && input.contains('\n'))
+                     {
+                       const QByteArray line = input.left(input.indexOf('\n'));
+                       input.remove(0, line.size() + 1);
+                       participant->Obey(line);
+                     }
+                   });
+  participant = std::make_unique<Participant>(QCoreApplication::arguments());
+  const int result = QCoreApplication::exec();
+  participant.reset();
+  Tell(QStringLiteral("gone"));
+  return result;
+}
