@@ -13,6 +13,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <mutex>
 #include <poll.h>
 #include <string>
@@ -213,16 +214,17 @@ int Spawn(const Program& program, Parent parent, pid_t* pid)
 /// @name Streams
 /// @{
 
-struct Stream
-{
-  std::FILE* file;
-  int input; // the descriptor that it reads from
-};
-
 struct PipeEnds
 {
   Descriptor input;
   Descriptor output;
+};
+
+struct Stream
+{
+  std::FILE* file;
+  int input;                      // the descriptor that it reads from
+  std::shared_ptr<PipeEnds> ends; // what it is made of, unless that is a socket
 };
 
 ssize_t ReadEnds(void* ends, char* bytes, std::size_t size)
@@ -235,23 +237,15 @@ ssize_t WriteEnds(void* ends, const char* bytes, std::size_t size)
   return std::max<ssize_t>(write(static_cast<PipeEnds*>(ends)->output.Get(), bytes, size), 0);
 }
 
-int CloseEnds(void* ends)
+Stream OpenStream(const std::shared_ptr<PipeEnds>& ends)
 {
-  delete static_cast<PipeEnds*>(ends);
-  return 0;
-}
-
-Stream OpenStream(Descriptor input, Descriptor output)
-{
-  const int number = input.Get();
-  auto* ends = new PipeEnds{std::move(input), std::move(output)};
-  return {fopencookie(ends, "r+", {ReadEnds, WriteEnds, nullptr, CloseEnds}), number};
+  return {fopencookie(ends.get(), "r+", {ReadEnds, WriteEnds, nullptr, nullptr}), ends->input.Get(), ends};
 }
 
 Stream OpenStream(Descriptor socket)
 {
   const int number = socket.Release();
-  return {fdopen(number, "r+"), number};
+  return {fdopen(number, "r+"), number, nullptr};
 }
 
 bool IsOver(const Stream& stream)
@@ -631,8 +625,8 @@ std::int32_t StartThroughShell(PrivilegedSession* session, const char* toolPath,
 
   Descriptor toolInput;
   Descriptor toolOutput;
-  PipeEnds ours;
-  if (!MakePipe(&toolInput, &ours.output) || !MakePipe(&ours.input, &toolOutput))
+  const auto ours = std::make_shared<PipeEnds>();
+  if (!MakePipe(&toolInput, &ours->output) || !MakePipe(&ours->input, &toolOutput))
     return privilegedStartFailed;
   const Descriptor request = MakeFile(MakeRequest(toolPath, arguments, toolInput, toolOutput));
   if (!request)
@@ -643,7 +637,7 @@ std::int32_t StartThroughShell(PrivilegedSession* session, const char* toolPath,
     DismissShell(session);
   if (answer != 'y')
     return privilegedStartFailed;
-  session->streams.push_back(OpenStream(std::move(ours.input), std::move(ours.output)));
+  session->streams.push_back(OpenStream(ours));
   *stream = session->streams.back().file;
   return 0;
 }
