@@ -920,6 +920,151 @@ TEST_F(InsideTest, TheSettleTimeCountsFromTheNewConnectionInTheTickThatReconnect
   impl->Leave();
 }
 
+// ---- The handshake, with a server that speaks by hand
+
+struct Handshake : InsideTest
+{
+  Handshake()
+  {
+    QObject::connect(&raw, &QLocalServer::newConnection, &raw,
+                     [this]
+                     {
+                       QLocalSocket* const end = raw.nextPendingConnection();
+                       const QByteArray reply = replies.value(connections++);
+                       if (isLeaving)
+                         raw.close();
+                       if (reply.isEmpty())
+                         end->abort();
+                       else
+                         end->write(reply);
+                       if (isHangingUp)
+                         end->disconnectFromServer();
+                     });
+    EXPECT_TRUE(raw.listen(impl->serverName));
+  }
+
+  ~Handshake() override { impl->Leave(); }
+
+  QLocalServer raw;
+  QList<QByteArray> replies;
+  int connections = 0;
+  bool isHangingUp = false;
+  bool isLeaving = false;
+};
+
+TEST_F(Handshake, WithAnUnreadableReplyIsLoggedAndTheConnectionKept)
+{
+  replies = {QByteArray(60, 'g')};
+  const LogCapture log;
+  EXPECT_TRUE(impl->Init());
+  EXPECT_EQ(log.Errors().back(), "Can't read a packet");
+  EXPECT_TRUE(IsConnected(impl->socket.get()));
+  EXPECT_THAT(recorder->events, IsEmpty());
+}
+
+TEST_F(Handshake, WithAReplyThatIsNoStatusIsLoggedAndTheConnectionKept)
+{
+  replies = {Wire::Message("demo", 0, "x", "y")};
+  const LogCapture log;
+  EXPECT_TRUE(impl->Init());
+  EXPECT_THAT(log.Errors(), ElementsAre("Expected STATUS got MESSAGE"));
+  EXPECT_TRUE(IsConnected(impl->socket.get()));
+}
+
+TEST_F(Handshake, WithAnEmptyStatusIsLoggedAndTheConnectionKept)
+{
+  replies = {Wire::Status("demo", {})};
+  const LogCapture log;
+  EXPECT_TRUE(impl->Init());
+  EXPECT_THAT(log.Errors(), ElementsAre("Can't parse a body of the command STATUS"));
+  EXPECT_TRUE(IsConnected(impl->socket.get()));
+}
+
+TEST_F(Handshake, IsTriedOnceMoreWhenTheServerHangsUpAfterItsReply)
+{
+  isHangingUp = true;
+  replies = {QByteArray(60, 'g'), Wire::Status("demo", {"anna", "second"})};
+  EXPECT_TRUE(impl->Init());
+  EXPECT_EQ(connections, 2);
+  EXPECT_THAT(recorder->events, ElementsAre("joined anna", "joined second"));
+}
+
+TEST_F(Handshake, WithAServerThatStopsServingStartsOver)
+{
+  isLeaving = true;
+  replies = {QByteArray()};
+  EXPECT_TRUE(impl->Init());
+  EXPECT_TRUE(impl->reconnectRequested);
+  ASSERT_TRUE(SpinUntil([&] { return impl->HasMember("anna"); }));
+  EXPECT_NE(impl->server, nullptr);
+}
+
+// ---- Admission
+
+struct Admission : InsideTest
+{
+  Admission()
+  {
+    EXPECT_TRUE(impl->Init());
+    EXPECT_TRUE(SpinUntil([&] { return impl->clients.contains("anna"); }));
+  }
+
+  ~Admission() override { impl->Leave(); }
+
+  // A client in this thread has to have said its piece before the server looks.
+  void Introduce(QLocalSocket* end, const QByteArray& bytes)
+  {
+    end->connectToServer(impl->serverName);
+    EXPECT_TRUE(end->waitForConnected());
+    end->write(bytes);
+    end->flush();
+    const int accepted = impl->server->findChildren<QLocalSocket*>().size();
+    EXPECT_TRUE(SpinUntil([&] { return impl->server->findChildren<QLocalSocket*>().size() != accepted; }));
+  }
+
+  LogCapture log;
+};
+
+TEST_F(Admission, OfAStrangeIntroductionWarnsAndGoesOn)
+{
+  QLocalSocket end;
+  Introduce(&end, Wire::Message("demo", 7, "to", "zoe"));
+  EXPECT_TRUE(impl->clients.contains("zoe"));
+  EXPECT_THAT(log.Warnings(), ElementsAre("Something strange with the initial message (MESSAGE ID: 7; "
+                                          "RECIPIENT NAME: \"to\"; MESSAGE: \"zoe\")"));
+}
+
+TEST_F(Admission, OfAnythingButAMessageIsRefusedAndTheSocketLeftOpen)
+{
+  QLocalSocket end;
+  Introduce(&end, Wire::Packet("demo", "STATUS", "1234"));
+  EXPECT_THAT(log.Errors(), ElementsAre("Got the command STATUS (expected: MESSAGE)"));
+  SpinFor(50);
+  EXPECT_TRUE(IsConnected(&end));
+  EXPECT_EQ(impl->clients.size(), 1);
+}
+
+TEST_F(Admission, OfATakenNameIsRefusedAndTheSocketClosed)
+{
+  QLocalSocket end;
+  Introduce(&end, Wire::Introduction("demo", "anna"));
+  EXPECT_THAT(log.Errors(), ElementsAre("The client with the name \"anna\" has alredy connected"));
+  EXPECT_TRUE(SpinUntil([&] { return !IsConnected(&end); }));
+}
+
+TEST_F(Admission, OfOneThatLeavesBeforeItHasIntroducedItselfIsLogged)
+{
+  QLocalSocket end;
+  end.connectToServer(impl->serverName);
+  ASSERT_TRUE(end.waitForConnected());
+  end.write(Wire::Introduction("demo", "zoe").left(20));
+  end.flush();
+  end.abort();
+  EXPECT_TRUE(SpinUntil([&] { return !log.Errors().empty(); }));
+  EXPECT_EQ(log.Errors().back(), "Can't read a packet");
+  EXPECT_EQ(impl->clients.size(), 1);
+}
+
 // ---- Routing
 
 struct Routing : InsideTest
