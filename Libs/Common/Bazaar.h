@@ -140,7 +140,7 @@ public:
    */
   bool WaitMember(const QString& name, long long timeout);
 
-  class TAVRIK_COMMON_NO_EXPORT Impl;
+  class TAVRIK_COMMON_NO_EXPORT Impl; ///< The participant itself.
 
 private:
   std::shared_ptr<Impl> impl;

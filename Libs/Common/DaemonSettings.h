@@ -60,22 +60,37 @@ public:
     Annually = 5
   };
 
-  DaemonSettings();
+  DaemonSettings(); ///< Opens the store of this user.
 
   DaemonSettings(const DaemonSettings&) = delete;
   DaemonSettings& operator=(const DaemonSettings&) = delete;
 
+  /// @name What the scheduler watches, and whether it reminds
+  /// @{
+
+  /** @return True where the store holds nothing. */
   bool GetNeedToWatchTrashFlag() const;
   bool GetNeedToWatchDiskSpaceFlag() const;
   bool GetNeedToWatchRAMFlag() const;
   bool GetNeedToRemindAboutRegularMaintenanceFlag() const;
   bool GetNeedToWatchApplicationRemoveFlag() const;
 
+  /// @}
+
+  /// @name Setters; each writes to the store at once
+  /// @{
+
+  /** Any value is stored as it is. */
   void SetNeedToWatchTrashFlag(bool flag);
   void SetNeedToWatchDiskSpaceFlag(bool flag);
   void SetNeedToWatchRAMFlag(bool flag);
   void SetNeedToRemindAboutRegularMaintenanceFlag(bool flag);
   void SetNeedToWatchApplicationRemoveFlag(bool flag);
+  void SetTrashSizeLimit(long long bytes);
+  void SetFreeDiskSpaceLimit(long long bytes);
+  void SetFreeRAMLimit(float fraction);
+  void SetRegularMaintenanceRemindPeriod(RemindPeriod period);
+  /// @}
 
   /** @return Bytes; 0 when the store holds something that is no number. */
   long long GetTrashSizeLimit() const;
@@ -84,13 +99,8 @@ public:
   /** @return A fraction of the physical memory; 0 when the store holds something that is no number. */
   float GetFreeRAMLimit() const;
 
-  void SetTrashSizeLimit(long long bytes);
-  void SetFreeDiskSpaceLimit(long long bytes);
-  void SetFreeRAMLimit(float fraction);
-
   /** @return What the store holds, which may be none of the enumerators. */
   RemindPeriod GetRegularMaintenanceRemindPeriod() const;
-  void SetRegularMaintenanceRemindPeriod(RemindPeriod period);
 
   /** Stores the text as it is. */
   void SetNextEventDate(const QString& date);

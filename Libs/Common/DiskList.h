@@ -5,7 +5,10 @@
 #include <QList>
 #include <QString>
 
-/** @file The mounted volumes as the system's disk tool tells them. Nothing here logs. */
+/**
+ * @file
+ * The mounted volumes as the system's disk tool tells them. Nothing here logs.
+ */
 namespace Tavrik::Cleaner
 {
 

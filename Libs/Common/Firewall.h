@@ -47,13 +47,18 @@ public:
   /** Removes the script's file. */
   ~Firewall() override;
 
-  /// @name Switches
-  /// A setter emits IsSavedChanged() unless the value is there already.
+  /// @name Switches, as edited
   /// @{
-  bool IsEnabled() const;
+  bool IsEnabled() const;      ///< The firewall is on.
   bool GetBlockAll() const;    ///< All incoming connections are blocked.
   bool GetAllowSigned() const; ///< Signed software is let through by itself.
-  bool GetStealthMode() const;
+  bool GetStealthMode() const; ///< The machine does not answer probes.
+  /// @}
+
+  /// @name Setters of the switches
+  /// @{
+
+  /** Emits IsSavedChanged() unless the value is there already. */
   void SetEnabled(bool isEnabled);
   void SetBlockAll(bool blockAll);
   void SetAllowSigned(bool allowSigned);
@@ -105,7 +110,7 @@ public:
    */
   bool Save();
 
-  class TAVRIK_COMMON_NO_EXPORT Impl;
+  class TAVRIK_COMMON_NO_EXPORT Impl; ///< The model itself.
 
 signals:
   /** Follows every accepted edit, changed or not; @p isSaved is IsSaved(). */

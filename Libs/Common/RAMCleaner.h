@@ -74,10 +74,10 @@ public:
   /** @return 0 to 1; 1 once a run is over. */
   Q_INVOKABLE float GetProgress() const;
 
-  class TAVRIK_COMMON_NO_EXPORT Impl;
+  class TAVRIK_COMMON_NO_EXPORT Impl; ///< The run itself.
 
 protected:
-  void timerEvent(QTimerEvent* event) override;
+  void timerEvent(QTimerEvent* event) override; ///< Takes one step of a run.
 
 private:
   void ReadStatistics() const;

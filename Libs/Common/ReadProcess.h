@@ -16,19 +16,24 @@
  * A call blocks its thread until the tool ends, for at most 30 seconds; a tool that runs longer is killed,
  * its own children are not. It keeps no state, so it may be called on any thread, before main() and without a
  * QCoreApplication.
- *
- * @return What the tool had written by then, in the locale's encoding, cut before the first NUL byte and
- *         otherwise as it is: neither trimmed nor with other line ends. There is no other sign of a failure:
- * a program that cannot be started gives an empty text, one that crashes or ends with an error gives what it
- * wrote. Nothing is logged.
+ * There is no sign of a failure but the text: a program that cannot be started gives an empty one, one that
+ * crashes or ends with an error gives what it wrote. Nothing is logged.
  */
 namespace Tavrik::Cleaner
 {
 
+/// @name One for each number of arguments
+/// @{
+
+/**
+ * @return What the tool had written by then, in the locale's encoding, cut before the first NUL byte and
+ *         otherwise as it is: neither trimmed nor with other line ends.
+ */
 TAVRIK_COMMON_EXPORT QString ReadProcess(const QString& program, const QStringList& arguments);
 TAVRIK_COMMON_EXPORT QString ReadProcess(const QString& program, const QString& a1);
 TAVRIK_COMMON_EXPORT QString ReadProcess(const QString& program, const QString& a1, const QString& a2);
 TAVRIK_COMMON_EXPORT QString ReadProcess(const QString& program, const QString& a1, const QString& a2,
                                          const QString& a3);
+/// @}
 
 } // namespace Tavrik::Cleaner

@@ -75,6 +75,9 @@ public:
    */
   qint32 GetPid() const;
 
+  /// @name Joining
+  /// @{
+
   /** Appends its arguments in their order. @return @p list. */
   template<typename First, typename... Rest>
   static QStringList& JoinArguments(QStringList& list, const First& first, const Rest&... rest)
@@ -97,6 +100,7 @@ public:
     list.append(ToArgument(only));
     return list;
   }
+  /// @}
 
 private:
   static QString ToArgument(const char* argument) { return QString::fromUtf8(argument); }
