@@ -68,7 +68,7 @@ public:
   Filling(const Filling&) = delete;
   Filling& operator=(const Filling&) = delete;
 
-  long long Size() const { return static_cast<long long>(blocks.size() * step); }
+  long long Size() const { return static_cast<long long>(blocks.size()) * static_cast<long long>(step); }
 
   bool Grow()
   {
