@@ -320,7 +320,7 @@ std::string FindLauncher(const char* name)
   for (std::size_t begin = 0; begin <= folders.size();)
   {
     const std::size_t end = std::min(folders.find(':', begin), folders.size());
-    const std::string path = folders.substr(begin, end - begin) + "/" + name;
+    std::string path = folders.substr(begin, end - begin) + "/" + name;
     if (access(path.c_str(), X_OK) == 0)
       return path;
     begin = end + 1;
