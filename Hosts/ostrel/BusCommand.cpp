@@ -1,6 +1,7 @@
 #include "BusCommand.h"
 
 #include "BusSession.h"
+#include "Doctor.h"
 #include "ExitCodes.h"
 #include "Output.h"
 #include "Payload.h"
@@ -434,6 +435,30 @@ void AddWait(CLI::App& bus, Command& command)
   AddCommonOptions(*verb, arguments->bus, "Give up after so long, with code 3 (default: never)");
 }
 
+void AddDoctor(CLI::App& bus, Command& command)
+{
+  const auto options = std::make_shared<DoctorOptions>();
+  CLI::App* verb = AddVerb(bus, "doctor", "Say what is wrong with the bus, within two seconds", command,
+                           [options](Signals&) { return RunDoctor(*options); });
+  AddName(*verb, "--context,-c", options->contextName, "The bus to look at (default: ostrel)");
+  AddName(*verb, "--name,-n", options->clientName, "Look whether this name is taken, too");
+  verb->add_flag("--json,-j", options->json, "Print one JSON object and nothing else");
+  verb->footer("Exit codes:\n"
+               "  0    the bus is served and answers\n"
+               "  1    the system refuses the connection\n"
+               "  20   nobody serves it: there is no socket\n"
+               "  21   the name is taken\n"
+               "  22   its server does not answer\n"
+               "  27   a server that has gone left its socket behind\n"
+               "  28   a file, a folder or a link is where the socket belongs\n"
+               "  29   the socket is another user's\n"
+               "  30   the socket's name is too long for a socket's address\n"
+               "  31   it is served in another temporary folder\n"
+               "  32   the socket of a living server has been removed\n"
+               "  33   the temporary folder is missing or cannot be used\n"
+               "  34   whoever listens is no bus");
+}
+
 } // namespace
 
 void AddBusCommand(CLI::App& app, Command& command)
@@ -444,6 +469,7 @@ void AddBusCommand(CLI::App& app, Command& command)
   AddSend(*bus, command);
   AddListen(*bus, command);
   AddWait(*bus, command);
+  AddDoctor(*bus, command);
 }
 
 } // namespace Ostrel

@@ -39,18 +39,18 @@ QString GetProcessId()
   return QString::number(QCoreApplication::applicationPid());
 }
 
-QString GetScoutName()
-{
-  return scoutPrefix + GetProcessId() + QLatin1Char('-') +
-         QString::number(QRandomGenerator::system()->generate(), 16);
-}
-
 QByteArray InSeconds(std::chrono::milliseconds time)
 {
   return QByteArray::number(static_cast<double>(time.count()) / 1000) + " s";
 }
 
 } // namespace
+
+QString GetScoutName()
+{
+  return scoutPrefix + GetProcessId() + QLatin1Char('-') +
+         QString::number(QRandomGenerator::system()->generate(), 16);
+}
 
 bool IsScout(const QString& name)
 {

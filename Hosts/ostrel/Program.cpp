@@ -32,6 +32,7 @@ const char* const exitCodes =
     "  24   NOT SENT\n"
     "  25   NOT WRITTEN\n"
     "  26   UNKNOWN\n"
+    "  27 to 34  what \"bus doctor\" found; see there\n"
     "  129  hang-up, 130 Ctrl-C, 143 terminated\n"
     "  141  whoever read the output has closed it\n";
 
