@@ -340,8 +340,8 @@ QString Describe(const Diagnosis& diagnosis)
              Show(diagnosis.folder));
   case Finding::SocketRemoved:
     return Texts::tr(
-               "The bus %1 is served by %2, but its socket %3 has been removed, so that nobody can join "
-               "any more. Start that process again.")
+               "The bus %1 is served by %2, but its socket %3 has been removed: who comes now does not find "
+               "it. Start that process again.")
         .arg(bus, ShowProcess(diagnosis.server), path);
   case Finding::NoFolder:
     return Texts::tr("The temporary folder %1 cannot be used: %2.").arg(Show(diagnosis.folder), reason);
