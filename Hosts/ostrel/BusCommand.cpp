@@ -7,6 +7,7 @@
 #include "Payload.h"
 #include "SafeText.h"
 #include "SayReader.h"
+#include "Texts.h"
 
 #include <CLI/CLI.hpp>
 
@@ -121,7 +122,8 @@ QByteArray ShowPayload(const QByteArray& data, bool isTerminal)
 {
   if (!isTerminal || data.size() <= longestShown)
     return EscapeBytes(data);
-  return EscapeBytes(data.left(longestShown)) + "... (" + QByteArray::number(data.size()) + " bytes)";
+  return EscapeBytes(data.left(longestShown)) + "... (" + Texts::tr("%1 bytes").arg(data.size()).toUtf8() +
+         ')';
 }
 
 void PrintSaid(Output& output, long long id, const QString& recipient)
@@ -255,7 +257,7 @@ int RunSend(const Arguments& arguments, Signals& signalSource)
   session.Bus().Say(arguments.recipient, payload);
   const int code = session.Run();
   if (code == TimedOut)
-    PrintError("no result came for the message to " + QuoteName(arguments.recipient));
+    PrintError(Texts::tr("no result came for the message to %1").arg(ShowName(arguments.recipient)));
   return Combine(code, output);
 }
 
@@ -319,7 +321,8 @@ void PrintReady(Output& output, const BusOptions& options, const QString& client
                                 {QStringLiteral("name"), clientName},
                                 {QStringLiteral("pid"), QCoreApplication::applicationPid()}}));
   else
-    PrintError("listening as " + QuoteName(clientName) + " on the bus " + QuoteName(options.contextName));
+    PrintError(
+        Texts::tr("listening as %1 on the bus %2").arg(ShowName(clientName), ShowName(options.contextName)));
 }
 
 int RunListen(const Arguments& arguments, Signals& signalSource)
@@ -376,7 +379,7 @@ int RunWait(const Arguments& arguments, Signals& signalSource)
   if (code == Done)
     PrintJoined(output, arguments.awaited);
   else if (code == TimedOut)
-    PrintError(QuoteName(arguments.awaited) + " has not come");
+    PrintError(Texts::tr("%1 has not come").arg(ShowName(arguments.awaited)));
   return Combine(code, output);
 }
 

@@ -15,7 +15,6 @@
 #include <QJsonArray>
 
 #include <cerrno>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -256,23 +255,13 @@ Diagnosis Diagnose(const DoctorOptions& options)
 
 // What is said of it ----------------------------------------------------------------------------------------
 
-QString Show(const QString& text)
-{
-  return QString::fromUtf8(EscapeText(text));
-}
-
-QString ShowName(const QString& name)
-{
-  return QString::fromUtf8(QuoteName(name));
-}
-
 QString ShowProcess(pid_t pid)
 {
   if (pid == 0)
     return Texts::tr("a process that cannot be seen from here");
   const QString program = GetProgram(pid).section(QLatin1Char('/'), -1);
   return program.isEmpty() ? Texts::tr("process %1").arg(pid)
-                           : Texts::tr("%1 (process %2)").arg(Show(program), QString::number(pid));
+                           : Texts::tr("%1 (process %2)").arg(ShowText(program), QString::number(pid));
 }
 
 QString ShowMembers(const QStringList& members)
@@ -285,14 +274,14 @@ QString ShowMembers(const QStringList& members)
 
 QString ShowFolder(const ServedSocket& socket)
 {
-  return Show(QFileInfo(socket.path).path());
+  return ShowText(QFileInfo(socket.path).path());
 }
 
 QString Describe(const Diagnosis& diagnosis)
 {
   const QString bus = ShowName(diagnosis.contextName);
-  const QString path = Show(diagnosis.SocketPath());
-  const QString reason = QString::fromLocal8Bit(std::strerror(diagnosis.error));
+  const QString path = ShowText(diagnosis.SocketPath());
+  const QString reason = ShowReason(diagnosis.error);
   switch (diagnosis.finding)
   {
   case Finding::Live:
@@ -323,7 +312,7 @@ QString Describe(const Diagnosis& diagnosis)
     return Texts::tr("A folder is where the socket of the bus %1 belongs. Remove it: %2.").arg(bus, path);
   case Finding::LinkInTheWay:
     return Texts::tr("A link to %1 is where the socket of the bus %2 belongs. Remove it: %3.")
-        .arg(Show(diagnosis.linkTarget), bus, path);
+        .arg(ShowText(diagnosis.linkTarget), bus, path);
   case Finding::ForeignSocket:
     return Texts::tr("The socket of the bus %1 belongs to the user with the number %2: %3. Set TMPDIR to a "
                      "folder of your own.")
@@ -337,14 +326,14 @@ QString Describe(const Diagnosis& diagnosis)
     return Texts::tr("The bus %1 is served in another temporary folder, %2, by %3. This process looks in %4. "
                      "TMPDIR must be the same for both.")
         .arg(bus, ShowFolder(diagnosis.other.first()), ShowProcess(diagnosis.other.first().pid),
-             Show(diagnosis.folder));
+             ShowText(diagnosis.folder));
   case Finding::SocketRemoved:
     return Texts::tr(
                "The bus %1 is served by %2, but its socket %3 has been removed: who comes now does not find "
                "it. Start that process again.")
         .arg(bus, ShowProcess(diagnosis.server), path);
   case Finding::NoFolder:
-    return Texts::tr("The temporary folder %1 cannot be used: %2.").arg(Show(diagnosis.folder), reason);
+    return Texts::tr("The temporary folder %1 cannot be used: %2.").arg(ShowText(diagnosis.folder), reason);
   case Finding::NotABus:
     return Texts::tr("%1 listens on the socket of the bus %2 but does not speak its language: %3.")
         .arg(ShowProcess(diagnosis.server), bus, path);

@@ -3,6 +3,7 @@
 #include "BusCommand.h"
 #include "ExitCodes.h"
 #include "Signals.h"
+#include "Texts.h"
 
 #include <CLI/CLI.hpp>
 
@@ -89,6 +90,7 @@ int RunProgram(int argc, char** argv)
   }
 
   QCoreApplication application(argc, argv);
+  InstallTranslations();
   SetUpLog(argv[0], verbosity);
   SeedRandomPauses();
   Signals signalSource;
