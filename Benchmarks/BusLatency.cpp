@@ -91,9 +91,9 @@ private:
     double sum = 0;
     for (const double latency : latencies)
       sum += latency;
-    std::printf("latency of %d messages in ms: mean %.1f, median %.1f, p99 %.1f, worst %.1f\n", latencyMessages,
-                sum / latencyMessages, latencies[latencyMessages / 2], latencies[latencyMessages * 99 / 100],
-                latencies.back());
+    std::printf("latency of %d messages in ms: mean %.1f, median %.1f, p99 %.1f, worst %.1f\n",
+                latencyMessages, sum / latencyMessages, latencies[latencyMessages / 2],
+                latencies[latencyMessages * 99 / 100], latencies.back());
     std::printf("messages a second from one client: %.2f\n",
                 (throughputMessages - 1) / (static_cast<double>(now - firstOfMany) / 1e9));
     std::fflush(stdout);

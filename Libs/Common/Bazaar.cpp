@@ -1121,6 +1121,9 @@ void Context::Impl::AddClient(QLocalSocket* client)
       client, &QLocalSocket::disconnected, client, [this] { RemoveDisconnectedClients(); },
       Qt::DirectConnection);
   SendStatus();
+  // Nobody will tell of one who left while his introduction was read.
+  if (!IsConnected(client))
+    RemoveDisconnectedClients();
 }
 
 void Context::Impl::AddOwnClient(QLocalSocket* client)
@@ -1168,11 +1171,11 @@ void Context::Impl::RemoveDisconnectedClients()
 void Context::Impl::RemoveClient(const QByteArray& name)
 {
   const QPointer<QLocalSocket> client = clients.value(name);
-  while (client && clients.value(name) == client && TakeAndRoute(name, client))
+  // A word to itself takes it off the table; what stands behind is passed on all the same.
+  while (client && TakeAndRoute(name, client))
     continue;
-  if (clients.value(name) != client)
-    return;
-  clients.remove(name);
+  if (clients.value(name) == client)
+    clients.remove(name);
   intakes.remove(client);
   if (client)
     client->deleteLater();
@@ -1187,8 +1190,11 @@ void Context::Impl::SendStatus()
     const QPointer<QLocalSocket> client = clients.value(name);
     if (!IsConnected(client))
       continue;
+    // Who has not read what came before will not read this any sooner for being waited for.
+    const bool isBehind = client->bytesToWrite() > 0;
     client->write(packet);
-    client->waitForBytesWritten(transferTimeout);
+    if (!isBehind)
+      client->waitForBytesWritten(transferTimeout);
   }
 }
 

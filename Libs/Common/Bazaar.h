@@ -40,8 +40,8 @@ TAVRIK_COMMON_EXPORT QString GetErrorString(Error error);
  *
  * All calls run on the thread that owns the Context, from its event processing, one listener after the other
  * in the order of registration. A call may do anything: say messages, add listeners, wait for members, run
- * the event loop, create and destroy contexts, this one included; only throw it may not. While it blocks, this
- * participant's bus stands still.
+ * the event loop, create and destroy contexts, this one included; only throw it may not. While it blocks,
+ * this participant's bus stands still.
  */
 class TAVRIK_COMMON_EXPORT Listener
 {

@@ -23,7 +23,7 @@ namespace Tavrik::Cleaner
 
 // Inline, so that they are there before whatever a source that sees this header initialises at load time.
 inline const QString dirSep = QStringLiteral("/");
-inline const QString appExt = QStringLiteral(".app");      ///< Ends the name of an application bundle.
+inline const QString appExt = QStringLiteral(".app");     ///< Ends the name of an application bundle.
 inline const QString lProjExt = QStringLiteral(".lproj"); ///< Ends the name of a localisation folder.
 
 /**

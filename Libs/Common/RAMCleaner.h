@@ -74,7 +74,7 @@ public:
   /** @return 0 to 1; 1 once a run is over. */
   Q_INVOKABLE float GetProgress() const;
 
-  class Impl;
+  class TAVRIK_COMMON_NO_EXPORT Impl;
 
 protected:
   void timerEvent(QTimerEvent* event) override;

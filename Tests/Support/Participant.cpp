@@ -1,6 +1,7 @@
 // A participant in a process of its own, led by lines on its standard input:
 //
 //   say RECIPIENT BASE64    says a message
+//   fill RECIPIENT SIZE     says a message of so many bytes
 //   members                 tells the members
 //   blink                   leaves and comes back
 //   quit                    leaves
@@ -13,6 +14,7 @@
 #include <QRandomGenerator>
 #include <QSocketNotifier>
 #include <QStringList>
+#include <QTimer>
 
 #include <glog/logging.h>
 
@@ -104,6 +106,18 @@ int main(int argc, char** argv)
   // Even a participant whose start-up never returns has to go when its leader has gone.
   QByteArray input;
   std::unique_ptr<Participant> participant;
+  bool isBusy = true;
+  const auto obey = [&]
+  {
+    while (!isBusy && input.contains('\n'))
+    {
+      const QByteArray line = input.left(input.indexOf('\n'));
+      input.remove(0, line.size() + 1);
+      isBusy = true;
+      participant->Obey(line);
+      isBusy = false;
+    }
+  };
   QSocketNotifier notifier(STDIN_FILENO, QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated,
                    [&]
@@ -112,22 +126,20 @@ int main(int argc, char** argv)
                      const ssize_t size = read(STDIN_FILENO, buffer, sizeof(buffer));
                      if (size <= 0)
                      {
-                       if (!participant)
+                       if (isBusy)
                          std::_Exit(EXIT_FAILURE);
                        notifier.setEnabled(false);
                        QCoreApplication::quit();
                        return;
                      }
                      input.append(buffer, static_cast<int>(size));
-                     while (participant && input.contains('\n'))
-                     {
-                       const QByteArray line = input.left(input.indexOf('\n'));
-                       input.remove(0, line.size() + 1);
-                       participant->Obey(line);
-                     }
+                     obey();
                    });
   participant = std::make_unique<Participant>(QCoreApplication::arguments());
+  isBusy = false;
+  QTimer::singleShot(0, obey);
   const int result = QCoreApplication::exec();
+  isBusy = true;
   participant.reset();
   Tell(QStringLiteral("gone"));
   return result;

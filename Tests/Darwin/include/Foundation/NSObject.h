@@ -4,5 +4,6 @@
 
 typedef unsigned long NSUInteger;
 
-__attribute__((objc_root_class)) @interface NSObject
+__attribute__((objc_root_class))
+@interface NSObject
 @end

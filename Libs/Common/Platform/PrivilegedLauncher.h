@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+/**
+ * @file
+ * Seam: asking the user for an administrator's rights, and starting a tool with them.
+ *
+ * Statuses are those of macOS on every system; 0 is success. A session is used by one thread at a time.
+ */
+namespace Tavrik::Platform
+{
+
+const std::int32_t privilegeDenied = -60005;
+const std::int32_t privilegeCancelled = -60006;   ///< The user dismissed the question.
+const std::int32_t privilegeUnavailable = -60008; ///< This system has nothing to ask with.
+const std::int32_t privilegedStartFailed = -60031;
+
+/** Linux: the folders, parted by ":", where pkexec and sudo are looked for. Only tests assign it. */
+extern const char* launcherFolders;
+
+/** What this process has been granted so far. */
+struct PrivilegedSession;
+
+/** @param session Receives a session of no rights, for ClosePrivilegedSession(); untouched on failure. */
+std::int32_t OpenPrivilegedSession(PrivilegedSession** session);
+
+/** Leaves running tools and their streams alone. */
+void ClosePrivilegedSession(PrivilegedSession* session);
+
+/**
+ * Asks for the right to start tools as root. Blocks while the system's question is shown.
+ *
+ * @param toolPath The tool that the question is about, UTF-8.
+ */
+std::int32_t AskForPrivilege(PrivilegedSession* session, const char* toolPath, std::size_t toolPathLength);
+
+/**
+ * Starts a tool as root, and does not wait for its end.
+ *
+ * @param session   One whose right has been granted.
+ * @param arguments What follows the tool's own name, unchanged; ends in a null pointer.
+ * @param stream    Receives the stream to the tool's standard input and from its standard output. It is not
+ *                  the caller's to close, and may be used until the session's next call.
+ */
+std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, char* const* arguments,
+                             std::FILE** stream);
+
+} // namespace Tavrik::Platform

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <Common/Export.h>
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <type_traits>
+
+/**
+ * @file
+ * One fixed tool, started with administrator rights.
+ */
+namespace Tavrik::Cleaner::Details
+{
+
+/**
+ * Starts a tool as root, any number of times, after the user has entered an administrator's password once.
+ *
+ * The right is kept for the life of the object. One thread at a time; nothing throws, and a failure is one
+ * log line and `false`. What the started tool writes is not handed on: the stream to it stays open for as
+ * long as the tool runs, but nobody reads it.
+ */
+class TAVRIK_COMMON_EXPORT RootExecutor
+{
+public:
+  /**
+   * Stores its arguments; the system is not asked for anything yet.
+   *
+   * @param toolPath The tool's absolute path.
+   * @param readPid  The tool's first output is its own process id, as four raw bytes in the host's order, and
+   *                 each start waits for it.
+   */
+  RootExecutor(const QString& toolPath, bool readPid);
+
+  /** Gives the right back. Tools that run go on. */
+  ~RootExecutor();
+
+  RootExecutor(const RootExecutor&) = delete;
+  RootExecutor& operator=(const RootExecutor&) = delete;
+
+  /** @return Whether the right has been granted. */
+  bool IsAuthorized() const;
+
+  /**
+   * Asks for the right unless it has been granted already; blocks while the system's question is shown.
+   * After a dismissed question a later call asks again.
+   */
+  bool Authorize();
+
+  /**
+   * Authorises, then starts the tool; does not wait for its end. Blocks as Authorize() does and, with read
+   * pid on, until the tool has written its id or closed its output.
+   *
+   * @return Whether the tool was started.
+   */
+  bool Exec(const QStringList& arguments);
+
+  /** The same for any mix of zero-terminated UTF-8 byte strings and QStrings. */
+  template<typename... Arguments,
+           std::enable_if_t<(sizeof...(Arguments) > 0) &&
+                                ((std::is_convertible_v<const Arguments&, const char*> ||
+                                  std::is_convertible_v<const Arguments&, QString>)&&...),
+                            int> = 0>
+  bool Exec(const Arguments&... arguments)
+  {
+    QStringList list;
+    return Exec(static_cast<const QStringList&>(JoinArguments(list, arguments...)));
+  }
+
+  /**
+   * @return The process id that the last started tool reported. -1 before any start, after a failed one and
+   *         when the tool reported nothing; with read pid off a successful start changes nothing.
+   */
+  qint32 GetPid() const;
+
+  /** Appends its arguments in their order. @return @p list. */
+  template<typename First, typename... Rest>
+  static QStringList& JoinArguments(QStringList& list, const First& first, const Rest&... rest)
+  {
+    list.append(ToArgument(first));
+    return JoinArguments(list, rest...);
+  }
+
+  template<typename First, typename Last>
+  static QStringList& JoinArguments(QStringList& list, const First& first, const Last& last)
+  {
+    list.append(ToArgument(first));
+    list.append(ToArgument(last));
+    return list;
+  }
+
+  template<typename Only>
+  static QStringList& JoinArguments(QStringList& list, const Only& only)
+  {
+    list.append(ToArgument(only));
+    return list;
+  }
+
+private:
+  static QString ToArgument(const char* argument) { return QString::fromUtf8(argument); }
+  static QString ToArgument(const QString& argument) { return argument; }
+
+  class TAVRIK_COMMON_NO_EXPORT Impl;
+  std::unique_ptr<Impl> impl;
+};
+
+} // namespace Tavrik::Cleaner::Details

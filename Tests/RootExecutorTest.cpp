@@ -1,0 +1,648 @@
+// Root is real here: a machine's own, or that of a user namespace. What asks for it, pkexec and sudo, are
+// scripts in a folder of the test's.
+
+#include <Common/RootExecutor.cpp>
+
+#include "Support/LogCapture.h"
+#include "Support/Programs.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+
+#include <csignal>
+#include <fcntl.h>
+#include <ostream>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace Tavrik;
+using Cleaner::Details::RootExecutor;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace
+{
+
+int CountDescriptors()
+{
+  return static_cast<int>(
+      QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System).size());
+}
+
+bool HasChildren()
+{
+  siginfo_t info = {};
+  return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+// How the tool came to its rights.
+enum class Way
+{
+  Direct,
+  Pkexec,
+  Sudo
+};
+
+const char* NameOf(Way way)
+{
+  return way == Way::Direct ? "Direct" : way == Way::Pkexec ? "Pkexec" : "Sudo";
+}
+
+void PrintTo(Way way, std::ostream* stream)
+{
+  *stream << NameOf(way);
+}
+
+class RootExecutorTest : public testing::Test
+{
+protected:
+  void SetUp() override
+  {
+    folder = QDir::tempPath() + QStringLiteral("/root-executor");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    // A tool of somebody else reports into it.
+    ASSERT_EQ(0, chmod(QFile::encodeName(folder).constData(), 0777));
+    launchers = QFile::encodeName(folder) + "/launchers";
+    ASSERT_EQ(0, mkdir(launchers.constData(), 0777));
+    Platform::launcherFolders = launchers.constData();
+
+    // Tells its arguments, its environment and what it reads, and speaks its process id first.
+    tool = folder + QStringLiteral("/the tool's");
+    WriteProgram(tool, "printf '%s\\0' \"$@\" end >\"$0.arguments.new\"\n"
+                       "env >\"$0.environment\"\n"
+                       "ls -l /proc/self/fd >\"$0.descriptors\"\n"
+                       "echo $$ >>\"$0.pids\"\n"
+                       "mv \"$0.arguments.new\" \"$0.arguments\"\n"
+                       "p=$$\n"
+                       "printf \"$(printf '\\\\%03o' $((p & 255)) $((p >> 8 & 255)) $((p >> 16 & 255)) 0)\"\n"
+                       "[ \"$1\" = listen ] && read -r line && echo \"$line\" >\"$0.line.new\" && mv "
+                       "\"$0.line.new\" \"$0.line\"\n"
+                       "exit 0\n");
+  }
+
+  void TearDown() override { QDir(folder).removeRecursively(); }
+
+  // What asks tells each question, grants it and starts what it is given, as the real ones do.
+  QString Launcher(const char* name) { return QString::fromLatin1(launchers + "/" + name); }
+  void GrantBy(const char* name)
+  {
+    WriteProgram(Launcher(name), "echo asked >>\"$0.asked\"\n"
+                                 "printf '%s\\0' \"$@\" >\"$0.arguments\"\n"
+                                 "shift\n"
+                                 "exec \"$@\"\n");
+  }
+  int Questions(const char* name) { return ReadText(Launcher(name) + ".asked").count("asked"); }
+
+  void Become(Way way)
+  {
+    if (way == Way::Direct)
+    {
+      if (!BecomeRoot())
+        GTEST_SKIP() << "This machine lets a plain user make no user namespace, so nobody can be root here";
+      return;
+    }
+    GrantBy(way == Way::Pkexec ? "pkexec" : "sudo");
+    BecomeUser();
+  }
+
+  QByteArray Report(const char* what) { return ReadText(tool + QLatin1Char('.') + QLatin1String(what)); }
+
+  QList<QByteArray> WaitForArguments()
+  {
+    EXPECT_TRUE(WaitFor([&] { return QFile::exists(tool + ".arguments"); })) << "the tool never reported";
+    const QList<QByteArray> arguments = Report("arguments").split('\0');
+    EXPECT_EQ("end", arguments.value(arguments.size() - 2));
+    return arguments.mid(0, arguments.size() - 2);
+  }
+
+  // No tool may be left when the folder goes.
+  void WaitForTools()
+  {
+    EXPECT_TRUE(WaitFor(
+        [&]
+        {
+          for (const QByteArray& pid : Report("pids").split('\n'))
+            if (!pid.isEmpty() && QFile::exists("/proc/" + pid))
+              return false;
+          return true;
+        }))
+        << "a tool never ended";
+  }
+
+  QString folder;
+  QString tool;
+  QByteArray launchers;
+};
+
+class EveryWay : public RootExecutorTest, public testing::WithParamInterface<Way>
+{
+protected:
+  void SetUp() override
+  {
+    RootExecutorTest::SetUp();
+    if (!HasFatalFailure())
+      Become(GetParam());
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Launch, EveryWay, testing::Values(Way::Direct, Way::Pkexec, Way::Sudo),
+                         [](const auto& info) { return NameOf(info.param); });
+
+std::vector<std::string> ToStrings(const QList<QByteArray>& texts)
+{
+  std::vector<std::string> strings;
+  for (const QByteArray& text : texts)
+    strings.push_back(text.toStdString());
+  return strings;
+}
+
+} // namespace
+
+TEST_F(RootExecutorTest, BeforeAnyStartThePidIsMinusOneAndNothingIsAuthorized)
+{
+  const RootExecutor executor(tool, true);
+  EXPECT_EQ(-1, executor.GetPid());
+  EXPECT_FALSE(executor.IsAuthorized());
+}
+
+TEST_P(EveryWay, TheArgumentsArriveUnchanged)
+{
+  const QStringList arguments = {"",
+                                 " a  b ",
+                                 "two\nlines\n",
+                                 "-x",
+                                 "--",
+                                 ";|&><",
+                                 "it's \"quoted\"",
+                                 "$HOME `id` $(id)",
+                                 "\\n\\",
+                                 "*?[a]",
+                                 "~",
+                                 "A=b",
+                                 "\tt\r\x01",
+                                 u8"\u0434\u0430",
+                                 QString()};
+  RootExecutor executor(tool, false);
+  ASSERT_TRUE(executor.Exec(arguments));
+  QList<QByteArray> expected;
+  for (const QString& argument : arguments)
+    expected.append(argument.toUtf8());
+  EXPECT_EQ(ToStrings(expected), ToStrings(WaitForArguments()));
+  WaitForTools();
+}
+
+TEST_P(EveryWay, TheVariadicFormJoinsByteStringsAndQStringsInOrder)
+{
+  RootExecutor executor(tool, false);
+  ASSERT_TRUE(executor.Exec("a", "b", QString("c"), QString("d")));
+  EXPECT_THAT(ToStrings(WaitForArguments()), ElementsAre("a", "b", "c", "d"));
+  WaitForTools();
+}
+
+TEST_P(EveryWay, TwoStartsAskAtMostOnce)
+{
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("first"));
+  const qint32 first = executor.GetPid();
+  ASSERT_TRUE(executor.Exec("second"));
+  EXPECT_TRUE(executor.IsAuthorized());
+  EXPECT_NE(first, executor.GetPid());
+  EXPECT_EQ(GetParam() == Way::Pkexec ? 1 : 0, Questions("pkexec"));
+  EXPECT_EQ(GetParam() == Way::Sudo ? 1 : 0, Questions("sudo"));
+}
+
+TEST_P(EveryWay, ReadPidTakesTheToolsFirstFourBytes)
+{
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("x"));
+  EXPECT_EQ(Report("pids").trimmed().toInt(), executor.GetPid());
+  EXPECT_GT(executor.GetPid(), 0);
+}
+
+TEST_P(EveryWay, ReadPidWithNothingReadIsMinusOne)
+{
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("x"));
+  ASSERT_GT(executor.GetPid(), 0);
+  WriteProgram(tool, "printf abc\n");
+  ASSERT_TRUE(executor.Exec("x"));
+  EXPECT_EQ(-1, executor.GetPid());
+}
+
+TEST_P(EveryWay, WithReadPidOffAStartLeavesThePid)
+{
+  RootExecutor executor(tool, false);
+  ASSERT_TRUE(executor.Exec("x"));
+  EXPECT_EQ(-1, executor.GetPid());
+  WaitForArguments();
+  WaitForTools();
+}
+
+TEST_P(EveryWay, AMissingToolIsAFailedStart)
+{
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("x"));
+  ASSERT_GT(executor.GetPid(), 0);
+  ASSERT_TRUE(QFile::rename(tool, tool + " gone"));
+  const LogCapture log;
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_EQ(-1, executor.GetPid());
+  EXPECT_THAT(log.Errors(), ElementsAre("Can't run a process (" + tool.toStdString() + ") as root: -60031"));
+  EXPECT_TRUE(executor.IsAuthorized());
+  // The right is still there, and the shell still follows.
+  ASSERT_TRUE(QFile::rename(tool + " gone", tool));
+  EXPECT_TRUE(executor.Exec("x"));
+  EXPECT_GT(executor.GetPid(), 0);
+}
+
+TEST_P(EveryWay, AToolThatIsNoProgramIsAFailedStart)
+{
+  ASSERT_EQ(0, chmod(QFile::encodeName(tool).constData(), 0644));
+  RootExecutor file(tool, true);
+  EXPECT_FALSE(file.Exec("x"));
+  EXPECT_EQ(-1, file.GetPid());
+  RootExecutor directory(folder, true);
+  EXPECT_FALSE(directory.Exec("x"));
+}
+
+TEST_P(EveryWay, AnArgumentThatIsTooLongIsAFailedStart)
+{
+  const int longest = 32 * static_cast<int>(sysconf(_SC_PAGESIZE)) - 1;
+  WriteProgram(tool, "printf '%s' ${#1} >\"$0.arguments.new\"; mv \"$0.arguments.new\" \"$0.arguments\"\n");
+  RootExecutor executor(tool, false);
+  EXPECT_FALSE(executor.Exec(QStringList{QString(longest + 1, 'x')}));
+  EXPECT_FALSE(executor.Exec(QVector<QString>(100, QString(longest, 'x')).toList()));
+  EXPECT_TRUE(executor.Exec(QStringList{QString(longest, 'x')}));
+  EXPECT_TRUE(WaitFor([&] { return Report("arguments").toInt() == longest; }));
+}
+
+TEST_P(EveryWay, TheStreamIsTheToolsInputAndOutput)
+{
+  Platform::PrivilegedSession* session = nullptr;
+  const QByteArray path = QFile::encodeName(tool);
+  ASSERT_EQ(0, Platform::OpenPrivilegedSession(&session));
+  ASSERT_EQ(0, Platform::AskForPrivilege(session, path.constData(), static_cast<std::size_t>(path.size())));
+  char listen[] = "listen";
+  char* arguments[] = {listen, nullptr};
+  std::FILE* stream = nullptr;
+  ASSERT_EQ(0, Platform::StartPrivileged(session, path.constData(), arguments, &stream));
+  qint32 pid = 0;
+  ASSERT_EQ(1u, std::fread(&pid, sizeof(pid), 1, stream));
+  std::fputs("said to the tool\n", stream);
+  std::fflush(stream);
+  EXPECT_TRUE(WaitFor([&] { return Report("line") == "said to the tool\n"; }));
+  Platform::ClosePrivilegedSession(session);
+}
+
+TEST_P(EveryWay, TheToolsEnvironmentIsClean)
+{
+  for (const char* name : {"LD_PRELOAD", "LD_LIBRARY_PATH", "IFS", "ENV", "BASH_ENV", "HOSTS_OWN"})
+    setenv(name, "", 1);
+  setenv("PATH", (qgetenv("PATH") + ":/hostile").constData(), 1);
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("x"));
+  for (const char* name : {"LD_", "IFS=", "ENV=", "BASH_ENV=", "HOSTS_OWN", "hostile"})
+    EXPECT_THAT(Report("environment").toStdString(), Not(HasSubstr(name)));
+  EXPECT_THAT(Report("environment").toStdString(), HasSubstr("PATH=/usr/sbin:/usr/bin:/sbin:/bin\n"));
+}
+
+TEST_P(EveryWay, TheToolInheritsNoDescriptorOfTheHost)
+{
+  const int open = ::open("/dev/zero", O_RDONLY);
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("x"));
+  EXPECT_THAT(Report("descriptors").toStdString(), Not(HasSubstr("/dev/zero")));
+  EXPECT_THAT(Report("descriptors").toStdString(), Not(HasSubstr(" 4 ->")));
+  close(open);
+}
+
+TEST_P(EveryWay, AHandlerOrAnIgnoredSignalOfTheHostIsNotTheTools)
+{
+  signal(SIGPIPE, SIG_IGN);
+  signal(SIGTERM, SIG_IGN);
+  WriteProgram(tool, "grep SigIgn /proc/self/status >\"$0.signals\"; printf abcd\n");
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("x"));
+  const quint64 ignored = Report("signals").mid(8).trimmed().toULongLong(nullptr, 16);
+  EXPECT_EQ(0u, ignored & (1u << (SIGPIPE - 1)));
+  EXPECT_EQ(0u, ignored & (1u << (SIGTERM - 1)));
+}
+
+TEST_P(EveryWay, NoZombieAndNoDescriptorStaysBehind)
+{
+  const int before = CountDescriptors();
+  {
+    RootExecutor executor(tool, true);
+    for (int i = 0; i < 20; ++i)
+      ASSERT_TRUE(executor.Exec("listen"));
+    // The tools still listen, so their streams are open; they end when the test lets them.
+    EXPECT_TRUE(WaitFor([&] { return Report("pids").count('\n') == 20; }));
+    for (const QByteArray& pid : Report("pids").split('\n'))
+      if (!pid.isEmpty())
+        kill(pid.toInt(), SIGKILL);
+    WaitForTools();
+    const bool isOwnShellThere = GetParam() != Way::Direct;
+    EXPECT_EQ(isOwnShellThere, HasChildren());
+  }
+  EXPECT_FALSE(HasChildren());
+  EXPECT_TRUE(WaitFor(
+      [&]
+      {
+        RootExecutor(tool, false).Authorize(); // tidies up
+        return CountDescriptors() == before;
+      }))
+      << CountDescriptors() << " descriptors, before: " << before;
+  WaitForTools();
+}
+
+TEST_P(EveryWay, ARunningToolOutlivesItsExecutor)
+{
+  {
+    RootExecutor executor(tool, true);
+    ASSERT_TRUE(executor.Exec("listen"));
+  }
+  const QByteArray pid = Report("pids").trimmed();
+  EXPECT_TRUE(QFile::exists("/proc/" + pid)) << "the tool waits for its input";
+  kill(pid.toInt(), SIGKILL);
+  WaitForTools();
+}
+
+TEST_P(EveryWay, AHostWithoutStandardDescriptorsStartsToolsToo)
+{
+  const int saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 10);
+  const int savedOut = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 10);
+  for (int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    close(descriptor);
+  RootExecutor executor(tool, true);
+  const bool isStarted = executor.Exec("x");
+  dup2(saved, STDERR_FILENO);
+  dup2(savedOut, STDOUT_FILENO);
+  EXPECT_TRUE(isStarted);
+  EXPECT_EQ(Report("pids").trimmed().toInt(), executor.GetPid());
+}
+
+TEST_P(EveryWay, ARelativeToolIsTakenFromTheCurrentFolder)
+{
+  ASSERT_TRUE(QDir::setCurrent(folder));
+  RootExecutor executor("./the tool's", true);
+  EXPECT_TRUE(executor.Exec("x"));
+  EXPECT_GT(executor.GetPid(), 0);
+}
+
+TEST_F(RootExecutorTest, ANonConstListIsAList)
+{
+  Become(Way::Direct);
+  QStringList arguments = {"one", "two"};
+  RootExecutor executor(tool, false);
+  ASSERT_TRUE(executor.Exec(arguments));
+  EXPECT_THAT(ToStrings(WaitForArguments()), ElementsAre("one", "two"));
+  WaitForTools();
+}
+
+TEST(JoinArguments, KeepsTheOrderAndTakesByteStringsAsUtf8)
+{
+  QStringList list = {"there"};
+  char array[] = "array";
+  const char* nothing = nullptr;
+  QStringList& same = RootExecutor::JoinArguments(list, u8"\u0434", QString("q"), array, nothing, QString());
+  EXPECT_EQ(&list, &same);
+  EXPECT_EQ((QStringList{"there", QString(QChar(0x434)), "q", "array", QString(), QString()}), list);
+  EXPECT_TRUE(list.at(4).isNull());
+  EXPECT_EQ((QStringList{"one"}),
+            []
+            {
+              QStringList l;
+              return RootExecutor::JoinArguments(l, "one");
+            }());
+}
+
+TEST_F(RootExecutorTest, PkexecIsAskedForAnAgentsDialogAndSudoIsNotTouched)
+{
+  GrantBy("sudo");
+  Become(Way::Pkexec);
+  RootExecutor executor(tool, false);
+  ASSERT_TRUE(executor.Authorize());
+  EXPECT_TRUE(ReadText(Launcher("pkexec") + ".arguments").startsWith("--disable-internal-agent"));
+  EXPECT_EQ(0, Questions("sudo"));
+  EXPECT_FALSE(QFile::exists(tool + ".pids")) << "asking starts nothing";
+}
+
+TEST_F(RootExecutorTest, WithoutAnAgentSudoIsAsked)
+{
+  WriteProgram(Launcher("pkexec"),
+               "echo 'Error executing command as another user: No authentication agent found.' >&2\n"
+               "exit 127\n");
+  Become(Way::Sudo);
+  RootExecutor executor(tool, false);
+  EXPECT_TRUE(executor.Authorize());
+  EXPECT_EQ(1, Questions("sudo"));
+}
+
+TEST_F(RootExecutorTest, WhatPkexecSaysMayBeLong)
+{
+  WriteProgram(
+      Launcher("pkexec"),
+      "i=0; while [ $i -lt 3000 ]; do echo 'A long complaint of no interest whatever' >&2; i=$((i+1)); done\n"
+      "exit 127\n");
+  Become(Way::Sudo);
+  RootExecutor executor(tool, false);
+  EXPECT_TRUE(executor.Authorize());
+}
+
+TEST_F(RootExecutorTest, APkexecThatClosesItsErrorsIsStillWaitedFor)
+{
+  WriteProgram(Launcher("pkexec"), "exec 2>&-\nshift\nexec \"$@\"\n");
+  BecomeUser();
+  RootExecutor executor(tool, true);
+  EXPECT_TRUE(executor.Exec("x"));
+  EXPECT_GT(executor.GetPid(), 0);
+}
+
+TEST_F(RootExecutorTest, ADismissedDialogIsNoErrorAndIsAskedAgain)
+{
+  WriteProgram(Launcher("pkexec"), "echo asked >>\"$0.asked\"; exit 126\n");
+  GrantBy("sudo");
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  const LogCapture log;
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_THAT(log.Infos(), ElementsAre("Authorization canceled", "Authorization canceled"));
+  EXPECT_THAT(log.Errors(), IsEmpty());
+  EXPECT_EQ(2, Questions("pkexec"));
+  EXPECT_EQ(0, Questions("sudo"));
+  EXPECT_EQ(-1, executor.GetPid());
+  EXPECT_FALSE(executor.IsAuthorized());
+  GrantBy("pkexec");
+  EXPECT_TRUE(executor.Exec("x"));
+  WaitForArguments();
+}
+
+TEST_F(RootExecutorTest, ASudoThatGotNoPasswordIsADismissedPromptUnlessItHadNoTerminal)
+{
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  const auto ask = [&](const QByteArray& said)
+  {
+    const LogCapture log;
+    WriteProgram(Launcher("sudo"), "[ \"$LC_ALL\" = C ] && printf '" + said + "' >&2\nexit 1\n");
+    EXPECT_FALSE(executor.Authorize());
+    return log.Infos().empty() ? log.Errors() : log.Infos();
+  };
+  EXPECT_THAT(ask("sudo: a password is required\n"), ElementsAre("Authorization canceled"));
+  EXPECT_THAT(ask("sudo: no password was provided\nsudo: a password is required\n"),
+              ElementsAre("Authorization canceled"));
+  EXPECT_THAT(ask("sudo: a terminal is required to read the password\nsudo: a password is required\n"),
+              ElementsAre("Can't copy rights: -60005"));
+  EXPECT_THAT(ask("Sorry, try again.\nsudo: 3 incorrect password attempts\n"),
+              ElementsAre("Can't copy rights: -60005"));
+}
+
+TEST_F(RootExecutorTest, WhatSudoSaysIsShownToTheUser)
+{
+  BecomeUser();
+  setenv("LC_ALL", "de_DE.UTF-8", 1);
+  WriteProgram(Launcher("sudo"), "echo 'Sorry, try again.' >&2\necho 'Granted.' >&2\nexit 1\n");
+  const int saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 10);
+  const int file =
+      open(QFile::encodeName(folder + "/shown").constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  dup2(file, STDERR_FILENO);
+  RootExecutor(tool, false).Authorize();
+  dup2(saved, STDERR_FILENO);
+  EXPECT_THAT(ReadText(folder + "/shown").toStdString(), HasSubstr("Sorry, try again.\nGranted.\n"));
+}
+
+TEST_F(RootExecutorTest, ARefusalIsAnErrorAndStartsNothing)
+{
+  WriteProgram(Launcher("pkexec"),
+               "echo 'Error executing command as another user: Not authorized' >&2; exit 127\n");
+  GrantBy("sudo");
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  const LogCapture log;
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_THAT(log.Errors(), ElementsAre("Can't copy rights: -60005"));
+  EXPECT_EQ(0, Questions("sudo")) << "a refused user is not asked again";
+  ASSERT_TRUE(QFile::remove(Launcher("pkexec")));
+  WriteProgram(Launcher("sudo"), "exit 1\n");
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_THAT(log.Errors(), ElementsAre("Can't copy rights: -60005", "Can't copy rights: -60005"));
+  EXPECT_FALSE(QFile::exists(tool + ".pids"));
+}
+
+TEST_F(RootExecutorTest, WithoutALauncherTheLogSaysWhatToInstall)
+{
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  const LogCapture log;
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_THAT(
+      log.Errors(),
+      ElementsAre(
+          "Nothing can ask for an administrator's password: install pkexec with a polkit agent, or sudo",
+          "Can't copy rights: -60008"));
+}
+
+TEST_F(RootExecutorTest, ALauncherThatCannotRunIsAnError)
+{
+  WriteText(Launcher("sudo"), "#!/nowhere\n");
+  ASSERT_EQ(0, chmod(QFile::encodeName(Launcher("sudo")).constData(), 0755));
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  const LogCapture log;
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_THAT(log.Errors(), Contains("Can't copy rights: -60005"));
+  EXPECT_THAT(log.Errors(), Contains(HasSubstr("No such file or directory")));
+}
+
+TEST_F(RootExecutorTest, ARootShellThatHasGoneIsAskedForAnew)
+{
+  WriteProgram(Launcher("sudo"), "echo asked >>\"$0.asked\"\necho $$ >\"$0.pid\"\nshift\nexec \"$@\"\n");
+  BecomeUser();
+  RootExecutor executor(tool, true);
+  ASSERT_TRUE(executor.Exec("x"));
+  kill(ReadText(Launcher("sudo") + ".pid").toInt(), SIGKILL);
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        return ReadText("/proc/" + ReadText(Launcher("sudo") + ".pid").trimmed() + "/stat").contains(") Z ");
+      }));
+  EXPECT_TRUE(executor.Exec("x"));
+  EXPECT_GT(executor.GetPid(), 0);
+  EXPECT_EQ(2, Questions("sudo"));
+
+  WriteProgram(Launcher("sudo"), "exit 1\n");
+  kill(ReadText(Launcher("sudo") + ".pid").toInt(), SIGKILL);
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        return ReadText("/proc/" + ReadText(Launcher("sudo") + ".pid").trimmed() + "/stat").contains(") Z ");
+      }));
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_EQ(-1, executor.GetPid());
+}
+
+TEST_F(RootExecutorTest, AShellThatEndsInsteadOfAnsweringIsAFailedStart)
+{
+  WriteProgram(Launcher("sudo"), "printf y; read -r request\n");
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  ASSERT_TRUE(executor.Authorize());
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_FALSE(HasChildren());
+}
+
+TEST_F(RootExecutorTest, ALauncherThatLingersIsReapedLater)
+{
+  WriteProgram(Launcher("sudo"), "echo $$ >\"$0.pid\"; printf y; exec sleep 100\n");
+  BecomeUser();
+  {
+    RootExecutor executor(tool, false);
+    ASSERT_TRUE(executor.Authorize());
+  }
+  const int pid = ReadText(Launcher("sudo") + ".pid").toInt();
+  ASSERT_GT(pid, 0);
+  EXPECT_TRUE(HasChildren());
+  kill(pid, SIGKILL);
+  GrantBy("sudo");
+  EXPECT_TRUE(WaitFor(
+      [&]
+      {
+        {
+          RootExecutor(tool, false).Authorize();
+        }
+        return !HasChildren();
+      }));
+}
+
+TEST_P(EveryWay, WithoutDescriptorsNothingStartsAndNothingBreaks)
+{
+  RootExecutor executor(tool, false);
+  ASSERT_TRUE(executor.Authorize());
+  rlimit before;
+  getrlimit(RLIMIT_NOFILE, &before);
+  {
+    const LogCapture log;
+    const rlim_t last = 12 + static_cast<rlim_t>(CountDescriptors());
+    for (rlim_t limit = 3; limit < last; ++limit)
+    {
+      const rlimit few = {limit, before.rlim_max};
+      setrlimit(RLIMIT_NOFILE, &few);
+      executor.Exec("x");
+      RootExecutor(tool, false).Authorize();
+    }
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_THAT(log.Errors(), Contains(HasSubstr(") as root: -60031")));
+  }
+  EXPECT_TRUE(executor.Exec("x"));
+  RootExecutor another(tool, true);
+  EXPECT_TRUE(another.Exec("x"));
+  EXPECT_GT(another.GetPid(), 0);
+  WaitForTools();
+}

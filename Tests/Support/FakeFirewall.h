@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+/**
+ * A stand-in for the system's firewall tool: a program with a state of its own, beside it, that answers
+ * questions, obeys settings and remembers what it was told.
+ */
+class FakeFirewall
+{
+public:
+  struct State
+  {
+    bool isEnabled = false;
+    bool blockAll = false;
+    bool allowSigned = false;
+    bool stealthMode = false;
+    QList<QPair<QByteArray, bool>> applications; ///< Path, blocked.
+
+    bool operator==(const State& other) const;
+  };
+  using Call = std::vector<std::string>;
+
+  /** @param path Where the tool shall be found. */
+  explicit FakeFirewall(const QString& path);
+  ~FakeFirewall();
+
+  FakeFirewall(const FakeFirewall&) = delete;
+  FakeFirewall& operator=(const FakeFirewall&) = delete;
+
+  const QString& Path() const { return path; }
+
+  void Set(const State& state);
+  State Get() const;
+
+  /** These options fail from now on, and change nothing. */
+  void Fail(const QStringList& options);
+
+  /** The settings that were asked for so far, in order, the failed ones included. */
+  std::vector<Call> Calls() const;
+  void ForgetCalls();
+
+private:
+  const QString path;
+};
