@@ -1,11 +1,13 @@
 #include "BusCommand.h"
 
 #include "BusSession.h"
+#include "Doctor.h"
 #include "ExitCodes.h"
 #include "Output.h"
 #include "Payload.h"
 #include "SafeText.h"
 #include "SayReader.h"
+#include "Texts.h"
 
 #include <CLI/CLI.hpp>
 
@@ -120,7 +122,8 @@ QByteArray ShowPayload(const QByteArray& data, bool isTerminal)
 {
   if (!isTerminal || data.size() <= longestShown)
     return EscapeBytes(data);
-  return EscapeBytes(data.left(longestShown)) + "... (" + QByteArray::number(data.size()) + " bytes)";
+  return EscapeBytes(data.left(longestShown)) + "... (" + Texts::tr("%1 bytes").arg(data.size()).toUtf8() +
+         ')';
 }
 
 void PrintSaid(Output& output, long long id, const QString& recipient)
@@ -254,7 +257,7 @@ int RunSend(const Arguments& arguments, Signals& signalSource)
   session.Bus().Say(arguments.recipient, payload);
   const int code = session.Run();
   if (code == TimedOut)
-    PrintError("no result came for the message to " + QuoteName(arguments.recipient));
+    PrintError(Texts::tr("no result came for the message to %1").arg(ShowName(arguments.recipient)));
   return Combine(code, output);
 }
 
@@ -318,7 +321,8 @@ void PrintReady(Output& output, const BusOptions& options, const QString& client
                                 {QStringLiteral("name"), clientName},
                                 {QStringLiteral("pid"), QCoreApplication::applicationPid()}}));
   else
-    PrintError("listening as " + QuoteName(clientName) + " on the bus " + QuoteName(options.contextName));
+    PrintError(
+        Texts::tr("listening as %1 on the bus %2").arg(ShowName(clientName), ShowName(options.contextName)));
 }
 
 int RunListen(const Arguments& arguments, Signals& signalSource)
@@ -375,7 +379,7 @@ int RunWait(const Arguments& arguments, Signals& signalSource)
   if (code == Done)
     PrintJoined(output, arguments.awaited);
   else if (code == TimedOut)
-    PrintError(QuoteName(arguments.awaited) + " has not come");
+    PrintError(Texts::tr("%1 has not come").arg(ShowName(arguments.awaited)));
   return Combine(code, output);
 }
 
@@ -434,6 +438,30 @@ void AddWait(CLI::App& bus, Command& command)
   AddCommonOptions(*verb, arguments->bus, "Give up after so long, with code 3 (default: never)");
 }
 
+void AddDoctor(CLI::App& bus, Command& command)
+{
+  const auto options = std::make_shared<DoctorOptions>();
+  CLI::App* verb = AddVerb(bus, "doctor", "Say what is wrong with the bus, within two seconds", command,
+                           [options](Signals&) { return RunDoctor(*options); });
+  AddName(*verb, "--context,-c", options->contextName, "The bus to look at (default: ostrel)");
+  AddName(*verb, "--name,-n", options->clientName, "Look whether this name is taken, too");
+  verb->add_flag("--json,-j", options->json, "Print one JSON object and nothing else");
+  verb->footer("Exit codes:\n"
+               "  0    the bus is served and answers\n"
+               "  1    the system refuses the connection\n"
+               "  20   nobody serves it: there is no socket\n"
+               "  21   the name is taken\n"
+               "  22   its server does not answer\n"
+               "  27   a server that has gone left its socket behind\n"
+               "  28   a file, a folder or a link is where the socket belongs\n"
+               "  29   the socket is another user's\n"
+               "  30   the socket's name is too long for a socket's address\n"
+               "  31   it is served in another temporary folder\n"
+               "  32   the socket of a living server has been removed\n"
+               "  33   the temporary folder is missing or cannot be used\n"
+               "  34   whoever listens is no bus");
+}
+
 } // namespace
 
 void AddBusCommand(CLI::App& app, Command& command)
@@ -444,6 +472,7 @@ void AddBusCommand(CLI::App& app, Command& command)
   AddSend(*bus, command);
   AddListen(*bus, command);
   AddWait(*bus, command);
+  AddDoctor(*bus, command);
 }
 
 } // namespace Ostrel

@@ -3,6 +3,7 @@
 #include "ExitCodes.h"
 #include "Output.h"
 #include "SafeText.h"
+#include "Texts.h"
 
 #include <QCoreApplication>
 #include <QRandomGenerator>
@@ -39,18 +40,18 @@ QString GetProcessId()
   return QString::number(QCoreApplication::applicationPid());
 }
 
+QString InSeconds(std::chrono::milliseconds time)
+{
+  return QString::number(static_cast<double>(time.count()) / 1000);
+}
+
+} // namespace
+
 QString GetScoutName()
 {
   return scoutPrefix + GetProcessId() + QLatin1Char('-') +
          QString::number(QRandomGenerator::system()->generate(), 16);
 }
-
-QByteArray InSeconds(std::chrono::milliseconds time)
-{
-  return QByteArray::number(static_cast<double>(time.count()) / 1000) + " s";
-}
-
-} // namespace
 
 bool IsScout(const QString& name)
 {
@@ -86,9 +87,10 @@ public:
 private:
   void GiveUp(std::chrono::milliseconds limit) const
   {
-    PrintError(QuoteName(session.clientName) + " could not join the bus " +
-               QuoteName(session.options.contextName) + " within " + InSeconds(limit) +
-               ": the name is taken or the server does not answer");
+    PrintError(
+        Texts::tr("%1 could not join the bus %2 within %3 s: the name is taken or the server does not "
+                  "answer")
+            .arg(ShowName(session.clientName), ShowName(session.options.contextName), InSeconds(limit)));
     std::_Exit(NotJoined);
   }
 
@@ -123,7 +125,7 @@ int BusSession::Join(const std::shared_ptr<Listener>& listener)
     WaitUntilAdmitted();
   if (!context->Members().isEmpty())
     return Done;
-  PrintError("nobody serves the bus " + QuoteName(options.contextName));
+  PrintError(Texts::tr("nobody serves the bus %1").arg(ShowName(options.contextName)));
   return NoBus;
 }
 
@@ -146,7 +148,8 @@ int BusSession::LookFirst()
   const Context scout(options.contextName, GetScoutName(), nullptr, Tavrik::Bazaar::NoServer);
   if (!scout.HasMember(clientName))
     return Done;
-  PrintError("the name " + QuoteName(clientName) + " is taken on the bus " + QuoteName(options.contextName));
+  PrintError(Texts::tr("the name %1 is taken on the bus %2")
+                 .arg(ShowName(clientName), ShowName(options.contextName)));
   return NameTaken;
 }
 
@@ -191,7 +194,7 @@ void BusSession::WatchBus()
 {
   if (outcome || !context->Members().isEmpty())
     return;
-  PrintError("the server of the bus " + QuoteName(options.contextName) + " has gone");
+  PrintError(Texts::tr("the server of the bus %1 has gone").arg(ShowName(options.contextName)));
   Leave(NoBus);
 }
 

@@ -24,6 +24,9 @@ struct BusOptions
   std::optional<std::chrono::milliseconds> timeout; ///< Counted from the start of the program.
 };
 
+/** @return A name for a participant that only looks; no other process has it. */
+QString GetScoutName();
+
 /** @return Whether @p name belongs to a participant that only looks who is there and goes again. */
 bool IsScout(const QString& name);
 

@@ -18,6 +18,14 @@
  * | 24      | the message was not sent: NOT SENT                                       |
  * | 25      | the server could not write the message to the recipient: NOT WRITTEN      |
  * | 26      | the server answered with a word that is not known: UNKNOWN               |
+ * | 27      | bus doctor: a server that has gone left its socket behind                |
+ * | 28      | bus doctor: a file, a folder or a link is where the socket belongs       |
+ * | 29      | bus doctor: the socket is another user's                                 |
+ * | 30      | bus doctor: the socket's name is too long for a socket's address         |
+ * | 31      | bus doctor: the bus is served in another temporary folder                |
+ * | 32      | bus doctor: the socket of a living server has been removed               |
+ * | 33      | bus doctor: the temporary folder is missing or cannot be used            |
+ * | 34      | bus doctor: whoever listens is no bus                                    |
  * | 128 + N | ended by signal N: 129 hang-up, 130 Ctrl-C, 143 terminated               |
  * | 141     | whoever read the output has closed it                                    |
  */
@@ -38,6 +46,15 @@ enum ExitCode
   NotSent = 24,
   NotWritten = 25,
   UnknownResult = 26,
+
+  StaleSocket = 27,
+  SocketBlocked = 28,
+  ForeignSocket = 29,
+  SocketNameTooLong = 30,
+  OtherFolder = 31,
+  SocketRemoved = 32,
+  FolderUnusable = 33,
+  NotABus = 34,
 
   EndedBySignal = 128,
   OutputClosed = 141

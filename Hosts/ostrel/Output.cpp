@@ -1,12 +1,13 @@
 #include "Output.h"
 
 #include "ExitCodes.h"
+#include "SafeText.h"
 #include "Signals.h"
+#include "Texts.h"
 
 #include <QJsonDocument>
 
 #include <cerrno>
-#include <cstring>
 #include <poll.h>
 #include <unistd.h>
 
@@ -104,14 +105,14 @@ void Output::Close(int error)
 {
   status = GetStatus(error);
   if (status == Failed)
-    PrintError("cannot write to the standard output: " + QByteArray(std::strerror(error)));
+    PrintError(Texts::tr("cannot write to the standard output: %1").arg(ShowReason(error)));
   if (closedHandler)
     closedHandler(status);
 }
 
-void PrintError(const QByteArray& text)
+void PrintError(const QString& text)
 {
-  WriteAll(STDERR_FILENO, "ostrel: " + text + '\n');
+  WriteAll(STDERR_FILENO, "ostrel: " + text.toUtf8() + '\n');
 }
 
 } // namespace Ostrel

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QJsonObject>
+#include <QString>
 
 #include <functional>
 
@@ -56,6 +57,6 @@ private:
 QByteArray ToJsonLine(const QJsonObject& object);
 
 /** Prints "ostrel: " and @p text, which must be safe to show, as a line on standard error. */
-void PrintError(const QByteArray& text);
+void PrintError(const QString& text);
 
 } // namespace Ostrel

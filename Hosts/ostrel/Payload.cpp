@@ -4,6 +4,7 @@
 #include "Output.h"
 #include "SafeText.h"
 #include "Signals.h"
+#include "Texts.h"
 
 #include <array>
 #include <cerrno>
@@ -18,13 +19,13 @@ namespace
 
 int ReportTooLong()
 {
-  PrintError("the message is longer than " + QByteArray::number(longestPayload) + " bytes");
+  PrintError(Texts::tr("the message is longer than %1 bytes").arg(QString::number(longestPayload)));
   return Failed;
 }
 
 int ReportUnreadable(const QByteArray& source, int error)
 {
-  PrintError("cannot read " + source + ": " + QByteArray(std::strerror(error)));
+  PrintError(Texts::tr("cannot read %1: %2").arg(QString::fromUtf8(source), ShowReason(error)));
   return Failed;
 }
 
@@ -61,7 +62,7 @@ int TakePayload(const std::string& text, QByteArray& payload)
 int ReadPayload(const std::string& path, QByteArray& payload)
 {
   if (path.empty() || path == "-")
-    return ReadToEnd(STDIN_FILENO, "the standard input", payload);
+    return ReadToEnd(STDIN_FILENO, Texts::tr("the standard input").toUtf8(), payload);
   const QByteArray source = EscapeBytes(QByteArray::fromStdString(path));
   int file = -1;
   do

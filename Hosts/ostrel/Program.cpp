@@ -3,6 +3,7 @@
 #include "BusCommand.h"
 #include "ExitCodes.h"
 #include "Signals.h"
+#include "Texts.h"
 
 #include <CLI/CLI.hpp>
 
@@ -32,6 +33,7 @@ const char* const exitCodes =
     "  24   NOT SENT\n"
     "  25   NOT WRITTEN\n"
     "  26   UNKNOWN\n"
+    "  27 to 34  what \"bus doctor\" found; see there\n"
     "  129  hang-up, 130 Ctrl-C, 143 terminated\n"
     "  141  whoever read the output has closed it\n";
 
@@ -88,6 +90,7 @@ int RunProgram(int argc, char** argv)
   }
 
   QCoreApplication application(argc, argv);
+  InstallTranslations();
   SetUpLog(argv[0], verbosity);
   SeedRandomPauses();
   Signals signalSource;

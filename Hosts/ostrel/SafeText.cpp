@@ -1,6 +1,7 @@
 #include "SafeText.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace Ostrel
 {
@@ -135,6 +136,21 @@ QByteArray QuoteName(const QString& name)
 {
   const bool isPlain = !name.isEmpty() && std::all_of(name.begin(), name.end(), IsPlainInName);
   return isPlain ? EscapeText(name) : '"' + EscapeText(name).replace('"', "\\\"") + '"';
+}
+
+QString ShowName(const QString& name)
+{
+  return QString::fromUtf8(QuoteName(name));
+}
+
+QString ShowText(const QString& text)
+{
+  return QString::fromUtf8(EscapeText(text));
+}
+
+QString ShowReason(int error)
+{
+  return QString::fromLocal8Bit(std::strerror(error));
 }
 
 QString DecodeUtf8(const QByteArray& bytes)

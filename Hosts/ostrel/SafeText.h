@@ -25,6 +25,15 @@ QByteArray EscapeText(const QString& text);
 /** @return EscapeText(), in double quotes unless @p name is a plain word that cannot be misread in a line. */
 QByteArray QuoteName(const QString& name);
 
+/** QuoteName() as a text, to be put into another. */
+QString ShowName(const QString& name);
+
+/** EscapeText() as a text, to be put into another. */
+QString ShowText(const QString& text);
+
+/** @return The system's words for an errno, in the user's language. */
+QString ShowReason(int error);
+
 /** @return The text of well-formed UTF-8, with a mark at its beginning and zero bytes kept. */
 QString DecodeUtf8(const QByteArray& bytes);
 

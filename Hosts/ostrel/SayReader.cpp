@@ -3,10 +3,10 @@
 #include "Output.h"
 #include "Payload.h"
 #include "SafeText.h"
+#include "Texts.h"
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <unistd.h>
 
 namespace Ostrel
@@ -52,7 +52,7 @@ void SayReader::ReadSome()
     End();
   else if (errno != EINTR && errno != EAGAIN)
   {
-    PrintError("cannot read the standard input: " + QByteArray(std::strerror(errno)));
+    PrintError(Texts::tr("cannot read %1: %2").arg(Texts::tr("the standard input"), ShowReason(errno)));
     End();
   }
   TakeLines();
@@ -70,7 +70,7 @@ void SayReader::TakeLines()
   buffer.remove(0, begin);
   if (buffer.size() > longestPayload)
   {
-    PrintError("a line to say is too long");
+    PrintError(Texts::tr("a line to say is too long"));
     buffer.clear();
     End();
   }
@@ -84,7 +84,8 @@ void SayReader::TakeLine(const QByteArray& line)
   const QByteArray recipient = space < 0 ? line : line.left(space);
   if (recipient.isEmpty() || !IsUtf8(recipient))
   {
-    PrintError("cannot say a line that does not begin with a name: " + EscapeBytes(line.left(80)));
+    PrintError(Texts::tr("cannot say a line that does not begin with a name: %1")
+                   .arg(QString::fromUtf8(EscapeBytes(line.left(80)))));
     return;
   }
   ++unanswered;

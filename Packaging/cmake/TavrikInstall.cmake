@@ -19,9 +19,9 @@ function(tavrik_install_library target folder)
   set(pkgconfigFolder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
   install(TARGETS ${target} EXPORT ${target}Targets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(FILES ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Tavrik/${folder})
-  install(EXPORT ${target}Targets NAMESPACE Tavrik:: DESTINATION ${packageFolder})
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development)
+  install(FILES ${ARGN} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Tavrik/${folder} COMPONENT development)
+  install(EXPORT ${target}Targets NAMESPACE Tavrik:: DESTINATION ${packageFolder} COMPONENT development)
 
   configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/Packaging/cmake/${target}Config.cmake.in
@@ -33,10 +33,11 @@ function(tavrik_install_library target folder)
   install(FILES
     ${PROJECT_BINARY_DIR}/${target}Config.cmake
     ${PROJECT_BINARY_DIR}/${target}ConfigVersion.cmake
-    DESTINATION ${packageFolder})
+    DESTINATION ${packageFolder}
+    COMPONENT development)
 
   file(RELATIVE_PATH fromPkgconfigToPrefix "/prefix/${pkgconfigFolder}" "/prefix")
   string(REGEX REPLACE "/$" "" fromPkgconfigToPrefix ${fromPkgconfigToPrefix})
   configure_file(${PROJECT_SOURCE_DIR}/Packaging/${target}.pc.in ${PROJECT_BINARY_DIR}/${target}.pc @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/${target}.pc DESTINATION ${pkgconfigFolder})
+  install(FILES ${PROJECT_BINARY_DIR}/${target}.pc DESTINATION ${pkgconfigFolder} COMPONENT development)
 endfunction()

@@ -1,0 +1,197 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de" sourcelanguage="en">
+<context>
+    <name>FormatText</name>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+    <message>
+        <source>%1 kB</source>
+        <translation>%1 kB</translation>
+    </message>
+    <message>
+        <source>%1 MB</source>
+        <translation>%1 MB</translation>
+    </message>
+    <message>
+        <source>%1 GB</source>
+        <translation>%1 GB</translation>
+    </message>
+    <message>
+        <source>%1 MHz</source>
+        <translation>%1 MHz</translation>
+    </message>
+    <message>
+        <source>%1 GHz</source>
+        <translation>%1 GHz</translation>
+    </message>
+</context>
+<context>
+    <name>Ostrel</name>
+    <message>
+        <source>%1 bytes</source>
+        <translation>%1 Byte</translation>
+    </message>
+    <message>
+        <source>no result came for the message to %1</source>
+        <translation>für die Nachricht an %1 kam kein Ergebnis</translation>
+    </message>
+    <message>
+        <source>listening as %1 on the bus %2</source>
+        <translation>höre als %1 auf dem Bus %2 zu</translation>
+    </message>
+    <message>
+        <source>%1 has not come</source>
+        <translation>%1 ist nicht gekommen</translation>
+    </message>
+    <message>
+        <source>%1 could not join the bus %2 within %3 s: the name is taken or the server does not answer</source>
+        <translation>%1 konnte dem Bus %2 nicht in %3 s beitreten: Der Name ist vergeben, oder der Server antwortet nicht</translation>
+    </message>
+    <message>
+        <source>nobody serves the bus %1</source>
+        <translation>niemand bedient den Bus %1</translation>
+    </message>
+    <message>
+        <source>the name %1 is taken on the bus %2</source>
+        <translation>der Name %1 ist auf dem Bus %2 vergeben</translation>
+    </message>
+    <message>
+        <source>the server of the bus %1 has gone</source>
+        <translation>der Server des Busses %1 ist fort</translation>
+    </message>
+    <message>
+        <source>a process that cannot be seen from here</source>
+        <translation>einem Prozess, der von hier nicht zu sehen ist</translation>
+    </message>
+    <message>
+        <source>process %1</source>
+        <translation>Prozess %1</translation>
+    </message>
+    <message>
+        <source>%1 (process %2)</source>
+        <translation>%1 (Prozess %2)</translation>
+    </message>
+    <message>
+        <source>The bus %1 is served by %2. Its members: %3.</source>
+        <translation>Der Bus %1 wird von %2 bedient. Seine Mitglieder: %3.</translation>
+    </message>
+    <message>
+        <source>The system refuses the connection to the bus %1 at %2: %3.</source>
+        <translation>Das System verweigert die Verbindung zum Bus %1 bei %2: %3.</translation>
+    </message>
+    <message>
+        <source>Nobody serves the bus %1: there is no socket %2.</source>
+        <translation>Niemand bedient den Bus %1: Den Socket %2 gibt es nicht.</translation>
+    </message>
+    <message>
+        <source>The name %1 is taken on the bus %2, which is served by %3.</source>
+        <translation>Der Name %1 ist auf dem Bus %2 vergeben, den %3 bedient.</translation>
+    </message>
+    <message>
+        <source>The server of the bus %1 does not answer: %2. It may be stopped or busy.</source>
+        <translation>Der Server des Busses %1 antwortet nicht: %2. Vielleicht ist er angehalten oder beschäftigt.</translation>
+    </message>
+    <message>
+        <source>A process that is joining the bus %1 keeps all others out: it holds %2.lock. It may be stopped or busy.</source>
+        <translation>Ein Prozess, der dem Bus %1 gerade beitritt, hält alle anderen auf: Er hält %2.lock. Vielleicht ist er angehalten oder beschäftigt.</translation>
+    </message>
+    <message>
+        <source>Nobody serves the bus %1: a server that has gone left the socket %2 behind. The next process that may serve clears it away.</source>
+        <translation>Niemand bedient den Bus %1: Ein Server, der fort ist, hat den Socket %2 zurückgelassen. Der nächste Prozess, der bedienen darf, räumt ihn weg.</translation>
+    </message>
+    <message>
+        <source>A file that is no socket is where the socket of the bus %1 belongs. Remove it: %2.</source>
+        <translation>Wo der Socket des Busses %1 hingehört, liegt eine Datei, die kein Socket ist. Entfernen Sie sie: %2.</translation>
+    </message>
+    <message>
+        <source>A folder is where the socket of the bus %1 belongs. Remove it: %2.</source>
+        <translation>Wo der Socket des Busses %1 hingehört, liegt ein Ordner. Entfernen Sie ihn: %2.</translation>
+    </message>
+    <message>
+        <source>A link to %1 is where the socket of the bus %2 belongs. Remove it: %3.</source>
+        <translation>Wo der Socket des Busses %2 hingehört, liegt ein Link auf %1. Entfernen Sie ihn: %3.</translation>
+    </message>
+    <message>
+        <source>The socket of the bus %1 belongs to the user with the number %2: %3. Set TMPDIR to a folder of your own.</source>
+        <translation>Der Socket des Busses %1 gehört dem Benutzer mit der Nummer %2: %3. Setzen Sie TMPDIR auf einen eigenen Ordner.</translation>
+    </message>
+    <message>
+        <source>The name of the socket of the bus %1 has %2 bytes, and no more than %3 are possible: %4. Set TMPDIR to a folder with a shorter name.</source>
+        <translation>Der Name des Sockets des Busses %1 hat %2 Byte, und mehr als %3 sind nicht möglich: %4. Setzen Sie TMPDIR auf einen Ordner mit kürzerem Namen.</translation>
+    </message>
+    <message>
+        <source>The bus %1 is served in another temporary folder, %2, by %3. This process looks in %4. TMPDIR must be the same for both.</source>
+        <translation>Der Bus %1 wird in einem anderen temporären Ordner, %2, von %3 bedient. Dieser Prozess sucht in %4. TMPDIR muss für beide gleich sein.</translation>
+    </message>
+    <message>
+        <source>The bus %1 is served by %2, but its socket %3 has been removed: who comes now does not find it. Start that process again.</source>
+        <translation>Der Bus %1 wird von %2 bedient, aber sein Socket %3 wurde entfernt: Wer jetzt kommt, findet ihn nicht. Starten Sie diesen Prozess neu.</translation>
+    </message>
+    <message>
+        <source>The temporary folder %1 cannot be used: %2.</source>
+        <translation>Der temporäre Ordner %1 ist nicht zu gebrauchen: %2.</translation>
+    </message>
+    <message>
+        <source>%1 listens on the socket of the bus %2 but does not speak its language: %3.</source>
+        <translation>%1 hört am Socket des Busses %2 zu, spricht aber nicht dessen Sprache: %3.</translation>
+    </message>
+    <message>
+        <source>Another bus of this name is served in the temporary folder %1 by %2.</source>
+        <translation>Ein anderer Bus dieses Namens wird im temporären Ordner %1 von %2 bedient.</translation>
+    </message>
+    <message>
+        <source>cannot write to the standard output: %1</source>
+        <translation>die Standardausgabe lässt sich nicht beschreiben: %1</translation>
+    </message>
+    <message>
+        <source>the message is longer than %1 bytes</source>
+        <translation>die Nachricht ist länger als %1 Byte</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2</source>
+        <translation>%1 lässt sich nicht lesen: %2</translation>
+    </message>
+    <message>
+        <source>the standard input</source>
+        <translation>die Standardeingabe</translation>
+    </message>
+    <message>
+        <source>a line to say is too long</source>
+        <translation>eine Zeile, die zu sagen wäre, ist zu lang</translation>
+    </message>
+    <message>
+        <source>cannot say a line that does not begin with a name: %1</source>
+        <translation>eine Zeile, die nicht mit einem Namen beginnt, lässt sich nicht sagen: %1</translation>
+    </message>
+</context>
+<context>
+    <name>Tavrik::Ostrel::DaemonSettings</name>
+    <message>
+        <source>Weekly</source>
+        <translation>Wöchentlich</translation>
+    </message>
+    <message>
+        <source>Once in two weeks</source>
+        <translation>Alle zwei Wochen</translation>
+    </message>
+    <message>
+        <source>Monthly</source>
+        <translation>Monatlich</translation>
+    </message>
+    <message>
+        <source>Once in three months</source>
+        <translation>Alle drei Monate</translation>
+    </message>
+    <message>
+        <source>Once in six months</source>
+        <translation>Alle sechs Monate</translation>
+    </message>
+    <message>
+        <source>Annualy</source>
+        <translation>Jährlich</translation>
+    </message>
+</context>
+</TS>
