@@ -92,7 +92,7 @@ SocketPeer GetSocketPeer(int socket)
 
 QString GetProgram(pid_t pid)
 {
-  const QString path = ReadLink(QStringLiteral("/proc/%1/exe").arg(pid));
+  QString path = ReadLink(QStringLiteral("/proc/%1/exe").arg(pid));
   if (!path.isEmpty())
     return path;
   QFile name(QStringLiteral("/proc/%1/comm").arg(pid));
