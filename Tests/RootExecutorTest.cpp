@@ -623,6 +623,9 @@ TEST_F(RootExecutorTest, ALauncherThatLingersIsReapedLater)
 
 TEST_P(EveryWay, WithoutDescriptorsNothingStartsAndNothingBreaks)
 {
+#ifdef TAVRIK_SANITIZED
+  GTEST_SKIP() << "The sanitizer needs a descriptor of its own to look at an object's type";
+#endif
   RootExecutor executor(tool, false);
   ASSERT_TRUE(executor.Authorize());
   rlimit before;
