@@ -3,17 +3,11 @@
 #include "BusCommand.h"
 #include "ExitCodes.h"
 #include "Signals.h"
-#include "Texts.h"
+#include "Startup.h"
 
 #include <CLI/CLI.hpp>
 
 #include <QCoreApplication>
-#include <QRandomGenerator>
-
-#include <glog/logging.h>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace Ostrel
 {
@@ -26,6 +20,11 @@ const char* const exitCodes =
     "  1    failed; the reason is on standard error\n"
     "  2    the command line is wrong\n"
     "  3    the time given with --timeout ran out\n"
+    "  10   nothing to do\n"
+    "  11   a safety rule forbids it\n"
+    "  12   the system forbids it to this user\n"
+    "  13   the administrator's authorisation was not given\n"
+    "  14   a tool of the system is missing\n"
     "  20   no bus: nobody serves it\n"
     "  21   the name is taken\n"
     "  22   could not join in time: the name is taken or the server does not answer\n"
@@ -37,38 +36,11 @@ const char* const exitCodes =
     "  129  hang-up, 130 Ctrl-C, 143 terminated\n"
     "  141  whoever read the output has closed it\n";
 
-// A descriptor below 3 that is missing would go to the next socket, and what is printed with it.
-void FillStandardDescriptors()
-{
-  for (int file = STDIN_FILENO; file <= STDERR_FILENO; ++file)
-    if (fcntl(file, F_GETFD) < 0)
-      open("/dev/null", O_RDWR);
-}
-
-// The pauses of an election are drawn from qrand(), which the bus never seeds: unseeded processes all pause
-// for the same time.
-void SeedRandomPauses()
-{
-  QT_WARNING_PUSH
-  QT_WARNING_DISABLE_DEPRECATED
-  qsrand(QRandomGenerator::system()->generate());
-  QT_WARNING_POP
-}
-
-// The library's log goes to standard error; without --verbose only what went wrong.
-void SetUpLog(const char* program, int verbosity)
-{
-  FLAGS_logtostderr = true;
-  FLAGS_minloglevel = verbosity > 0 ? google::GLOG_INFO : google::GLOG_ERROR;
-  FLAGS_v = verbosity > 1 ? 30 : 0;
-  google::InitGoogleLogging(program);
-}
-
 } // namespace
 
 int RunProgram(int argc, char** argv)
 {
-  FillStandardDescriptors();
+  BeginProgram("ostrel");
 
   Command command;
   int verbosity = 0;
@@ -90,9 +62,7 @@ int RunProgram(int argc, char** argv)
   }
 
   QCoreApplication application(argc, argv);
-  InstallTranslations();
-  SetUpLog(argv[0], verbosity);
-  SeedRandomPauses();
+  SetUpProgram(verbosity);
   Signals signalSource;
   return command ? command(signalSource) : static_cast<int>(WrongUsage);
 }

@@ -5,6 +5,7 @@
 #include "Signals.h"
 #include "Texts.h"
 
+#include <QCoreApplication>
 #include <QJsonDocument>
 
 #include <cerrno>
@@ -112,7 +113,7 @@ void Output::Close(int error)
 
 void PrintError(const QString& text)
 {
-  WriteAll(STDERR_FILENO, "ostrel: " + text.toUtf8() + '\n');
+  WriteAll(STDERR_FILENO, QCoreApplication::applicationName().toUtf8() + ": " + text.toUtf8() + '\n');
 }
 
 } // namespace Ostrel

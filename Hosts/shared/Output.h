@@ -6,7 +6,8 @@
 
 #include <functional>
 
-/** @file What ostrel prints: results on standard output, line by line, everything else on standard error. */
+/** @file What the programs print: results on standard output, line by line, everything else on standard
+ * error. */
 namespace Ostrel
 {
 
@@ -56,7 +57,7 @@ private:
 /** @return @p object as one line of JSON without a line end, with no control character in it. */
 QByteArray ToJsonLine(const QJsonObject& object);
 
-/** Prints "ostrel: " and @p text, which must be safe to show, as a line on standard error. */
+/** Prints the program's name, ": " and @p text, which must be safe to show, as a line on standard error. */
 void PrintError(const QString& text);
 
 } // namespace Ostrel
