@@ -1,6 +1,7 @@
 #include "Program.h"
 
 #include "BusCommand.h"
+#include "Completions.h"
 #include "ExitCodes.h"
 #include "Signals.h"
 #include "Startup.h"
@@ -51,6 +52,7 @@ int RunProgram(int argc, char** argv)
   app.fallthrough();
   app.require_subcommand(1);
   AddBusCommand(app, command);
+  AddCompletionsOption(app);
   try
   {
     // Before the application object, which sets the user's locale: numbers are read the same way everywhere.
