@@ -6,6 +6,7 @@
 #include "Progress.h"
 #include "SafeText.h"
 #include "Setting.h"
+#include "Signals.h"
 #include "Terminal.h"
 #include "Texts.h"
 
@@ -165,6 +166,8 @@ int RunUnset(const Arguments& arguments)
   }
   if (!arguments.yes && !Confirm(Texts::tr("Set all settings back to their defaults?")))
   {
+    if (const int number = Signals::Caught())
+      return EndedBySignal + number;
     PrintError(Texts::tr("nothing was changed; --yes needs no answer"));
     return NothingToDo;
   }
