@@ -75,22 +75,17 @@ private:
 
 // Sizes ---------------------------------------------------------------------------------------------------
 
-// The library takes nothing for 0 and cuts what is too large; here both are errors.
+// The library reads what is no number as 0 and cuts what is too large; here both are errors.
 std::optional<long long> ParseBytes(const QString& text)
 {
-  static const QRegularExpression number(QStringLiteral("^[0-9]+$"));
-  static const QRegularExpression withUnit(QStringLiteral("^([0-9]+ bytes|[0-9]+([.,][0-9]+)? (KB|MB|GB))$"));
+  static const QRegularExpression inBytes(QStringLiteral("^([0-9]+)( bytes)?$"));
+  static const QRegularExpression inUnits(QStringLiteral("^[0-9]+([.,][0-9]+)? (KB|MB|GB)$"));
   constexpr long long largest = std::numeric_limits<long long>::max();
-  bool isNumber = true;
-  long long bytes = -1;
-  if (number.match(text).hasMatch())
-    bytes = text.toLongLong(&isNumber);
-  else if (withUnit.match(text).hasMatch())
-  {
-    bytes = ParseSize(text);
-    isNumber = bytes != largest;
-  }
-  return isNumber && bytes >= 0 ? std::optional<long long>(bytes) : std::nullopt;
+  const QRegularExpressionMatch match = inBytes.match(text);
+  bool isNumber = inUnits.match(text).hasMatch();
+  const long long bytes = match.hasMatch() ? match.captured(1).toLongLong(&isNumber) : ParseSize(text);
+  const bool isCut = !match.hasMatch() && bytes == largest;
+  return isNumber && !isCut ? std::optional<long long>(bytes) : std::nullopt;
 }
 
 class SizeSetting : public Setting

@@ -115,9 +115,7 @@ void AddSizeCommand(CLI::App& app, Command& command)
 
   CLI::App* format = AddVerb(*size, "format", "Print numbers of bytes as texts", command,
                              [arguments](Signals&) { return RunFormat(*arguments); });
-  format->add_option("BYTES", arguments->texts, "Whole numbers; a negative one goes behind --")
-      ->required()
-      ->type_name("");
+  format->add_option("BYTES", arguments->texts, "Whole numbers")->required()->type_name("");
   format->add_option("--precision,-p", arguments->precision, "Digits after the point (default: 1)")
       ->check(CLI::Range(0, mostDigits))
       ->type_name("DIGITS");
