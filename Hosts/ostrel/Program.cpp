@@ -2,9 +2,15 @@
 
 #include "BusCommand.h"
 #include "Completions.h"
+#include "DiskCommand.h"
 #include "ExitCodes.h"
+#include "PathCommand.h"
+#include "RAMCommand.h"
+#include "SettingsCommand.h"
 #include "Signals.h"
+#include "SizeCommand.h"
 #include "Startup.h"
+#include "Versions.h"
 
 #include <CLI/CLI.hpp>
 
@@ -46,17 +52,31 @@ int RunProgram(int argc, char** argv)
   Command command;
   int verbosity = 0;
   CLI::App app("The disk-and-memory maintenance utility on the command line", "ostrel");
-  app.set_version_flag("--version,-V", "ostrel " OSTREL_VERSION);
   app.add_flag("--verbose,-v", verbosity, "Show what the library logs; twice for every detail");
+  app.set_version_flag("--version,-V", "ostrel " OSTREL_VERSION,
+                       "Print the version; with --verbose also what it stands on and where its tools are");
   app.footer(exitCodes);
   app.fallthrough();
   app.require_subcommand(1);
   AddBusCommand(app, command);
+  AddDiskCommand(app, command);
+  AddPathCommand(app, command);
+  AddRAMCommand(app, command);
+  AddSettingsCommand(app, command);
+  AddSizeCommand(app, command);
   AddCompletionsOption(app);
   try
   {
     // Before the application object, which sets the user's locale: numbers are read the same way everywhere.
     app.parse(argc, argv);
+  }
+  catch (const CLI::CallForVersion& call)
+  {
+    if (verbosity == 0)
+      return app.exit(call);
+    const QCoreApplication application(argc, argv);
+    SetUpProgram(0);
+    return PrintVersions();
   }
   catch (const CLI::ParseError& error)
   {

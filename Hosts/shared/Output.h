@@ -11,6 +11,8 @@
 namespace Ostrel
 {
 
+class Table;
+
 /** How results are printed. */
 enum class Format
 {
@@ -38,8 +40,14 @@ public:
   /** Prints one result in the chosen format. @p human carries no line end and is safe to show. */
   void Print(const QByteArray& human, const QJsonObject& json);
 
+  /** Prints the lines of @p table, on a terminal no wider than it is. */
+  void PrintTable(const Table& table);
+
   /** @return Done while all lines were written, else the exit code that tells why not. */
   int Status() const { return status; }
+
+  /** @return Status(), for a line that was lost outweighs what else went well; else @p code. */
+  int Combine(int code) const { return status != 0 ? status : code; }
 
   /** What to call when the output closes, with the exit code. */
   void OnClosed(std::function<void(int)> handler);
@@ -54,8 +62,14 @@ private:
   std::function<void(int)> closedHandler;
 };
 
+/** @return @p fields with the keys "event" and "time", which is now. */
+QJsonObject MakeEvent(const QString& event, QJsonObject fields);
+
 /** @return @p object as one line of JSON without a line end, with no control character in it. */
 QByteArray ToJsonLine(const QJsonObject& object);
+
+/** Writes @p text, which must be safe to show, to standard error as it is. */
+void WriteError(const QString& text);
 
 /** Prints the program's name, ": " and @p text, which must be safe to show, as a line on standard error. */
 void PrintError(const QString& text);
