@@ -1,5 +1,6 @@
 #include "BusCommand.h"
 
+#include "Arguments.h"
 #include "BusSession.h"
 #include "Doctor.h"
 #include "ExitCodes.h"
@@ -40,49 +41,11 @@ struct Arguments
 
 using SharedArguments = std::shared_ptr<Arguments>;
 
-constexpr double shortestTimeout = 0.001;
-constexpr double longestTimeout = 7 * 24 * 60 * 60;
-
-// Names travel as UTF-8 whatever the locale, and an empty one cannot be told from none.
-QString ParseName(const std::string& text)
-{
-  const QByteArray bytes = QByteArray::fromStdString(text);
-  if (bytes.isEmpty())
-    throw CLI::ValidationError("NAME", "a name must not be empty");
-  if (!IsUtf8(bytes))
-    throw CLI::ValidationError("NAME", "a name must be UTF-8");
-  return DecodeUtf8(bytes);
-}
-
-std::string CheckTimeout(const std::string& text)
-{
-  bool isNumber = false;
-  const double seconds = QByteArray::fromStdString(text).toDouble(&isNumber);
-  return isNumber && seconds >= shortestTimeout && seconds <= longestTimeout
-             ? std::string()
-             : "a timeout must be between 0.001 and 604800 seconds";
-}
-
-CLI::Option* AddName(CLI::App& app, const std::string& option, QString& name, const std::string& help)
-{
-  return app
-      .add_option_function<std::string>(
-          option, [&name](const std::string& text) { name = ParseName(text); }, help)
-      ->allow_extra_args(false)
-      ->type_name("NAME");
-}
-
 void AddCommonOptions(CLI::App& verb, BusOptions& options, const std::string& timeoutHelp)
 {
   AddName(verb, "--context,-c", options.contextName, "The bus to join (default: ostrel)");
   AddName(verb, "--name,-n", options.clientName, "Who to be on the bus (default: ostrel-PID)");
-  verb.add_option_function<double>(
-          "--timeout,-t",
-          [&options](double seconds)
-          { options.timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000)); },
-          timeoutHelp)
-      ->type_name("SECONDS")
-      ->check(CheckTimeout);
+  AddTimeout(verb, options.timeout, timeoutHelp);
   verb.add_flag("--hold-until-member", options.holdUntilMember,
                 "Hold each message back until its recipient is on the bus");
   verb.add_flag("--no-server", options.noServer, "Never serve the bus; without a server end with code 20");
