@@ -44,8 +44,8 @@ Notice MakeNotice(NoticeKind kind, qint64 size, qint64 limit, const QString& pat
 {
   Notice notice;
   notice.kind = kind;
-  notice.size = size;
-  notice.limit = limit;
+  notice.size = std::min(size, largestJsonInteger);
+  notice.limit = std::min(limit, largestJsonInteger);
   notice.path = path;
   return notice;
 }
