@@ -179,7 +179,7 @@ class EndedBy : public Scheduling, public testing::WithParamInterface<int>
 
 TEST_P(EndedBy, SignalEndsAtOnceAndCleanly)
 {
-  const Process scheduler = BeginOnBus({"--interval", "3600"});
+  const Process scheduler = BeginOnBus();
   QElapsedTimer time;
   time.start();
   scheduler->Signal(GetParam());
@@ -194,10 +194,12 @@ TEST_F(Scheduling, WatchesWithoutABusAndJoinsWhenThereCanBeOne)
 {
   WantAllMemory();
   const QString folder = home + "/later";
+  WriteText(folder, "a file where the temporary folder belongs");
   qputenv("TMPDIR", QFile::encodeName(folder));
   const Process scheduler = Begin();
   ASSERT_TRUE(scheduler->WaitForNotices(1));
   EXPECT_EQ(scheduler->CountEvents("joined"), 0);
+  ASSERT_TRUE(QFile::remove(folder));
   QDir().mkpath(folder);
   EXPECT_FALSE(scheduler->WaitForEvent({{"event", "joined"}}).isEmpty());
   EXPECT_TRUE(RunNotices().out.contains(" of memory are free, less than "));

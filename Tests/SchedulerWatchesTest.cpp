@@ -146,12 +146,13 @@ TEST_F(Watching, TakesATrashThatWaversAboutItsLimitForOneEvent)
 {
   settings.SetTrashSizeLimit(4 * megabyte);
   settings.SetNeedToWatchTrashFlag(true);
-  Fill(trash + "/file", 5 * megabyte);
+  Fill(trash + "/stays", 3900000);
+  Fill(trash + "/wavers", megabyte);
   const Process scheduler = Begin();
   ASSERT_TRUE(scheduler->WaitForNotices(1));
-  Fill(trash + "/file", 3900000);
+  QFile::remove(trash + "/wavers");
   ASSERT_TRUE(scheduler->WaitForLooks());
-  Fill(trash + "/file", 5 * megabyte);
+  Fill(trash + "/wavers", megabyte);
   ASSERT_TRUE(scheduler->WaitForLooks());
   EXPECT_EQ(scheduler->Notices().size(), 1);
 }

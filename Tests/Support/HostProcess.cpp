@@ -52,6 +52,8 @@ HostProcess& HostProcess::Begin()
 
 void HostProcess::Signal(int number)
 {
+  // Without a process that would be everybody in the test's process group.
+  ASSERT_NE(processId(), 0);
   ::kill(static_cast<pid_t>(processId()), number);
 }
 
