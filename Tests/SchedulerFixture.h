@@ -41,6 +41,8 @@ public:
   /** Waits until it has looked @p count times more, the first of them begun after this call. */
   bool WaitForLooks(int count = 2)
   {
+    while (waitForReadyRead(0)) // what it has printed already and nobody has read
+      continue;
     const qint64 before = CountEvents("looked");
     return WaitForOutput([&] { return CountEvents("looked") > before + count; }, "further looks");
   }
