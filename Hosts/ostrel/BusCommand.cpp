@@ -1,5 +1,6 @@
 #include "BusCommand.h"
 
+#include "Arguments.h"
 #include "BusSession.h"
 #include "Doctor.h"
 #include "ExitCodes.h"
@@ -37,26 +38,6 @@ struct Arguments
 };
 
 using SharedArguments = std::shared_ptr<Arguments>;
-
-// Names travel as UTF-8 whatever the locale, and an empty one cannot be told from none.
-QString ParseName(const std::string& text)
-{
-  const QByteArray bytes = QByteArray::fromStdString(text);
-  if (bytes.isEmpty())
-    throw CLI::ValidationError("NAME", "a name must not be empty");
-  if (!IsUtf8(bytes))
-    throw CLI::ValidationError("NAME", "a name must be UTF-8");
-  return DecodeUtf8(bytes);
-}
-
-CLI::Option* AddName(CLI::App& app, const std::string& option, QString& name, const std::string& help)
-{
-  return app
-      .add_option_function<std::string>(
-          option, [&name](const std::string& text) { name = ParseName(text); }, help)
-      ->allow_extra_args(false)
-      ->type_name("NAME");
-}
 
 void AddCommonOptions(CLI::App& verb, BusOptions& options, const std::string& timeoutHelp)
 {

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Arguments.h"
 #include "Command.h"
 
 #include <CLI/CLI.hpp>
 
 #include <QString>
 
-#include <chrono>
 #include <optional>
 
 /** @file What the verbs' command lines have in common. */
@@ -16,8 +16,6 @@ namespace Ostrel
 /** @return A verb of @p parent that does @p action. */
 CLI::App* AddVerb(CLI::App& parent, const std::string& name, const std::string& help, Command& command,
                   const Command& action);
-
-void AddTimeout(CLI::App& verb, std::optional<std::chrono::milliseconds>& timeout, const std::string& help);
 
 void AddJson(CLI::App& verb, bool& json);
 

@@ -28,6 +28,10 @@ constexpr std::chrono::milliseconds joinTime = 10s;
 // How often a new server looks whether it is a member of its own bus.
 constexpr std::chrono::milliseconds admissionInterval = 5ms;
 
+// A participant that could not even listen, because its temporary folder is missing or full, never tries
+// again by itself. Longer than a server in the making needs.
+constexpr std::chrono::milliseconds patience = 5s;
+
 // How often a participant that never serves looks whether it still has a bus.
 constexpr std::chrono::milliseconds watchInterval = 200ms;
 
@@ -72,7 +76,8 @@ public:
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
     timer.callOnTimeout([this, limit] { GiveUp(limit); });
-    timer.start(limit);
+    if (!session.options.isPatient)
+      timer.start(limit);
   }
 
   ~JoinGuard()
@@ -120,10 +125,13 @@ int BusSession::Join(const std::shared_ptr<Listener>& listener)
   const JoinGuard guard(*this);
   if (const int failure = LookFirst())
     return failure;
-  context = std::make_unique<Context>(options.contextName, clientName, listener, GetFlags());
+  if (options.isPatient)
+    JoinPatiently(listener);
+  else
+    context = std::make_unique<Context>(options.contextName, clientName, listener, GetFlags());
   if (!options.noServer)
-    WaitUntilAdmitted();
-  if (!context->Members().isEmpty())
+    WaitUntilAdmitted(QDeadlineTimer::Forever);
+  if (!context->Members().isEmpty() || outcome)
     return Done;
   PrintError(Texts::tr("nobody serves the bus %1").arg(ShowName(options.contextName)));
   return NoBus;
@@ -131,12 +139,22 @@ int BusSession::Join(const std::shared_ptr<Listener>& listener)
 
 // A server admits itself from the event loop and tells no listener. One that could not listen never does:
 // then the guard ends the wait.
-void BusSession::WaitUntilAdmitted()
+void BusSession::WaitUntilAdmitted(QDeadlineTimer limit)
 {
   QTimer waker;
   waker.start(admissionInterval);
-  while (context->Members().isEmpty())
+  while (context->Members().isEmpty() && !outcome && !limit.hasExpired())
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void BusSession::JoinPatiently(const std::shared_ptr<Listener>& listener)
+{
+  do
+  {
+    context.reset();
+    context = std::make_unique<Context>(options.contextName, clientName, listener, GetFlags());
+    WaitUntilAdmitted(QDeadlineTimer(patience));
+  } while (context->Members().isEmpty() && !outcome);
 }
 
 // The bus leaves a participant whose name is taken waiting without a word, so ask the members beforehand. A

@@ -21,6 +21,7 @@ struct BusOptions
   bool holdUntilMember = false;
   bool noServer = false;
   bool json = false;
+  bool isPatient = false; ///< Join waits for a bus for ever; timers of the caller run meanwhile.
   std::optional<std::chrono::milliseconds> timeout; ///< Counted from the start of the program.
 };
 
@@ -50,11 +51,14 @@ public:
    *
    * A bus that does not let this participant in would hold it for ever; then the process is ended from here,
    * with the exit code NotJoined, and so is a signal that comes meanwhile. Nothing needs tidying up at that
-   * point.
+   * point. One who is patient is ended by a signal alone.
    *
    * @return Done, or NoBus or NameTaken after the reason has been printed.
    */
   int Join(const std::shared_ptr<Tavrik::Bazaar::Listener>& listener);
+
+  /** @return Whether there is a bus to talk to. */
+  bool HasBus() const { return context != nullptr; }
 
   /** The bus; only after a Join that returned Done and before Run returns. */
   Tavrik::Bazaar::Context& Bus() { return *context; }
@@ -76,7 +80,8 @@ private:
   class JoinGuard;
 
   int LookFirst();
-  void WaitUntilAdmitted();
+  void WaitUntilAdmitted(QDeadlineTimer limit);
+  void JoinPatiently(const std::shared_ptr<Tavrik::Bazaar::Listener>& listener);
   int GetFlags() const;
   void WatchBus();
   void EndWhenStuck();

@@ -482,6 +482,82 @@
         <source>[yes/no]</source>
         <translation>[ja/nein]</translation>
     </message>
+    <message>
+        <source>the scheduler answered: %1</source>
+        <translation>der Scheduler hat geantwortet: %1</translation>
+    </message>
+    <message>
+        <source>the scheduler has gone</source>
+        <translation>der Scheduler ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>there are no notices</source>
+        <translation>es gibt keine Hinweise</translation>
+    </message>
+    <message>
+        <source>there is no notice %1</source>
+        <translation>es gibt keinen Hinweis %1</translation>
+    </message>
+    <message>
+        <source>there is no scheduler on the bus %1</source>
+        <translation>auf dem Bus %1 ist kein Scheduler</translation>
+    </message>
+    <message>
+        <source>the scheduler has not answered</source>
+        <translation>der Scheduler hat nicht geantwortet</translation>
+    </message>
+    <message>
+        <source>waiting for the scheduler</source>
+        <translation>warte auf den Scheduler</translation>
+    </message>
+    <message>
+        <source>another scheduler of this user keeps its notices in %1</source>
+        <translation>ein anderer Scheduler dieses Benutzers führt seine Hinweise in %1</translation>
+    </message>
+    <message>
+        <source>would tell: %1</source>
+        <translation>würde melden: %1</translation>
+    </message>
+    <message>
+        <source>there is nothing to tell</source>
+        <translation>es gibt nichts zu melden</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2; notices will not outlive this process</source>
+        <translation>kann %1 nicht lesen: %2; Hinweise gehen mit diesem Prozess verloren</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged; it is kept as %2</source>
+        <translation>der Zustand in %1 ist beschädigt; er wird als %2 aufgehoben</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>kann %1 nicht schreiben: %2</translation>
+    </message>
+    <message>
+        <source>cannot look into the trash %1: %2</source>
+        <translation>kann nicht in den Papierkorb %1 sehen: %2</translation>
+    </message>
+    <message>
+        <source>the trash holds %1, more than %2</source>
+        <translation>der Papierkorb enthält %1, mehr als %2</translation>
+    </message>
+    <message>
+        <source>%1 are free on the disk of %2, less than %3</source>
+        <translation>auf dem Datenträger von %2 sind %1 frei, weniger als %3</translation>
+    </message>
+    <message>
+        <source>%1 of memory are free, less than %2</source>
+        <translation>%1 Arbeitsspeicher sind frei, weniger als %2</translation>
+    </message>
+    <message>
+        <source>the application %1 has been removed from %2 and may have left files behind</source>
+        <translation>das Programm %1 wurde aus %2 entfernt und hat vielleicht Dateien zurückgelassen</translation>
+    </message>
+    <message>
+        <source>the regular maintenance has been due since %1</source>
+        <translation>die regelmäßige Wartung ist seit dem %1 fällig</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -482,6 +482,82 @@
         <source>[yes/no]</source>
         <translation>[sí/no]</translation>
     </message>
+    <message>
+        <source>the scheduler answered: %1</source>
+        <translation>el planificador ha respondido: %1</translation>
+    </message>
+    <message>
+        <source>the scheduler has gone</source>
+        <translation>el planificador ya no está</translation>
+    </message>
+    <message>
+        <source>there are no notices</source>
+        <translation>no hay avisos</translation>
+    </message>
+    <message>
+        <source>there is no notice %1</source>
+        <translation>no hay ningún aviso %1</translation>
+    </message>
+    <message>
+        <source>there is no scheduler on the bus %1</source>
+        <translation>no hay ningún planificador en el bus %1</translation>
+    </message>
+    <message>
+        <source>the scheduler has not answered</source>
+        <translation>el planificador no ha respondido</translation>
+    </message>
+    <message>
+        <source>waiting for the scheduler</source>
+        <translation>esperando al planificador</translation>
+    </message>
+    <message>
+        <source>another scheduler of this user keeps its notices in %1</source>
+        <translation>otro planificador de este usuario guarda sus avisos en %1</translation>
+    </message>
+    <message>
+        <source>would tell: %1</source>
+        <translation>avisaría: %1</translation>
+    </message>
+    <message>
+        <source>there is nothing to tell</source>
+        <translation>no hay nada que avisar</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2; notices will not outlive this process</source>
+        <translation>no se puede leer %1: %2; los avisos se perderán con este proceso</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged; it is kept as %2</source>
+        <translation>el estado en %1 está dañado; se conserva como %2</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>no se puede escribir %1: %2</translation>
+    </message>
+    <message>
+        <source>cannot look into the trash %1: %2</source>
+        <translation>no se puede mirar en la papelera %1: %2</translation>
+    </message>
+    <message>
+        <source>the trash holds %1, more than %2</source>
+        <translation>la papelera contiene %1, más de %2</translation>
+    </message>
+    <message>
+        <source>%1 are free on the disk of %2, less than %3</source>
+        <translation>en el disco de %2 hay %1 libres, menos de %3</translation>
+    </message>
+    <message>
+        <source>%1 of memory are free, less than %2</source>
+        <translation>hay %1 de memoria libres, menos de %2</translation>
+    </message>
+    <message>
+        <source>the application %1 has been removed from %2 and may have left files behind</source>
+        <translation>la aplicación %1 se ha eliminado de %2 y puede haber dejado archivos</translation>
+    </message>
+    <message>
+        <source>the regular maintenance has been due since %1</source>
+        <translation>el mantenimiento periódico está pendiente desde el %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

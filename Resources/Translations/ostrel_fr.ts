@@ -482,6 +482,82 @@
         <source>[yes/no]</source>
         <translation>[oui/non]</translation>
     </message>
+    <message>
+        <source>the scheduler answered: %1</source>
+        <translation>le planificateur a répondu : %1</translation>
+    </message>
+    <message>
+        <source>the scheduler has gone</source>
+        <translation>le planificateur n&apos;est plus là</translation>
+    </message>
+    <message>
+        <source>there are no notices</source>
+        <translation>il n&apos;y a aucun avis</translation>
+    </message>
+    <message>
+        <source>there is no notice %1</source>
+        <translation>il n&apos;y a pas d&apos;avis %1</translation>
+    </message>
+    <message>
+        <source>there is no scheduler on the bus %1</source>
+        <translation>il n&apos;y a pas de planificateur sur le bus %1</translation>
+    </message>
+    <message>
+        <source>the scheduler has not answered</source>
+        <translation>le planificateur n&apos;a pas répondu</translation>
+    </message>
+    <message>
+        <source>waiting for the scheduler</source>
+        <translation>en attente du planificateur</translation>
+    </message>
+    <message>
+        <source>another scheduler of this user keeps its notices in %1</source>
+        <translation>un autre planificateur de cet utilisateur conserve ses avis dans %1</translation>
+    </message>
+    <message>
+        <source>would tell: %1</source>
+        <translation>signalerait : %1</translation>
+    </message>
+    <message>
+        <source>there is nothing to tell</source>
+        <translation>il n&apos;y a rien à signaler</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2; notices will not outlive this process</source>
+        <translation>impossible de lire %1 : %2 ; les avis seront perdus avec ce processus</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged; it is kept as %2</source>
+        <translation>l&apos;état dans %1 est endommagé ; il est conservé sous %2</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>impossible d&apos;écrire %1 : %2</translation>
+    </message>
+    <message>
+        <source>cannot look into the trash %1: %2</source>
+        <translation>impossible de lire la corbeille %1 : %2</translation>
+    </message>
+    <message>
+        <source>the trash holds %1, more than %2</source>
+        <translation>la corbeille contient %1, plus de %2</translation>
+    </message>
+    <message>
+        <source>%1 are free on the disk of %2, less than %3</source>
+        <translation>il reste %1 libres sur le disque de %2, moins de %3</translation>
+    </message>
+    <message>
+        <source>%1 of memory are free, less than %2</source>
+        <translation>il reste %1 de mémoire libre, moins de %2</translation>
+    </message>
+    <message>
+        <source>the application %1 has been removed from %2 and may have left files behind</source>
+        <translation>l&apos;application %1 a été supprimée de %2 et a peut-être laissé des fichiers</translation>
+    </message>
+    <message>
+        <source>the regular maintenance has been due since %1</source>
+        <translation>l&apos;entretien régulier est à faire depuis le %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -482,6 +482,82 @@
         <source>[yes/no]</source>
         <translation>[はい/いいえ]</translation>
     </message>
+    <message>
+        <source>the scheduler answered: %1</source>
+        <translation>スケジューラーからの応答: %1</translation>
+    </message>
+    <message>
+        <source>the scheduler has gone</source>
+        <translation>スケジューラーがいなくなりました</translation>
+    </message>
+    <message>
+        <source>there are no notices</source>
+        <translation>通知はありません</translation>
+    </message>
+    <message>
+        <source>there is no notice %1</source>
+        <translation>通知 %1 はありません</translation>
+    </message>
+    <message>
+        <source>there is no scheduler on the bus %1</source>
+        <translation>バス %1 にスケジューラーはいません</translation>
+    </message>
+    <message>
+        <source>the scheduler has not answered</source>
+        <translation>スケジューラーが応答しませんでした</translation>
+    </message>
+    <message>
+        <source>waiting for the scheduler</source>
+        <translation>スケジューラーを待っています</translation>
+    </message>
+    <message>
+        <source>another scheduler of this user keeps its notices in %1</source>
+        <translation>このユーザーの別のスケジューラーが %1 に通知を保存しています</translation>
+    </message>
+    <message>
+        <source>would tell: %1</source>
+        <translation>通知する内容: %1</translation>
+    </message>
+    <message>
+        <source>there is nothing to tell</source>
+        <translation>通知することはありません</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2; notices will not outlive this process</source>
+        <translation>%1 を読み取れません: %2。通知はこのプロセスの終了とともに失われます</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged; it is kept as %2</source>
+        <translation>%1 の状態は壊れています。%2 として残します</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>%1 に書き込めません: %2</translation>
+    </message>
+    <message>
+        <source>cannot look into the trash %1: %2</source>
+        <translation>ゴミ箱 %1 の中を確認できません: %2</translation>
+    </message>
+    <message>
+        <source>the trash holds %1, more than %2</source>
+        <translation>ゴミ箱の中身は %1 で、%2 を超えています</translation>
+    </message>
+    <message>
+        <source>%1 are free on the disk of %2, less than %3</source>
+        <translation>%2 のディスクの空きは %1 で、%3 を下回っています</translation>
+    </message>
+    <message>
+        <source>%1 of memory are free, less than %2</source>
+        <translation>メモリの空きは %1 で、%2 を下回っています</translation>
+    </message>
+    <message>
+        <source>the application %1 has been removed from %2 and may have left files behind</source>
+        <translation>アプリケーション %1 が %2 から削除されました。ファイルが残っている可能性があります</translation>
+    </message>
+    <message>
+        <source>the regular maintenance has been due since %1</source>
+        <translation>定期メンテナンスの期日は %1 でした</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

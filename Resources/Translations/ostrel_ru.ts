@@ -482,6 +482,82 @@
         <source>[yes/no]</source>
         <translation>[да/нет]</translation>
     </message>
+    <message>
+        <source>the scheduler answered: %1</source>
+        <translation>планировщик ответил: %1</translation>
+    </message>
+    <message>
+        <source>the scheduler has gone</source>
+        <translation>планировщик ушёл</translation>
+    </message>
+    <message>
+        <source>there are no notices</source>
+        <translation>уведомлений нет</translation>
+    </message>
+    <message>
+        <source>there is no notice %1</source>
+        <translation>уведомления %1 нет</translation>
+    </message>
+    <message>
+        <source>there is no scheduler on the bus %1</source>
+        <translation>на шине %1 нет планировщика</translation>
+    </message>
+    <message>
+        <source>the scheduler has not answered</source>
+        <translation>планировщик не ответил</translation>
+    </message>
+    <message>
+        <source>waiting for the scheduler</source>
+        <translation>ожидание планировщика</translation>
+    </message>
+    <message>
+        <source>another scheduler of this user keeps its notices in %1</source>
+        <translation>другой планировщик этого пользователя хранит свои уведомления в %1</translation>
+    </message>
+    <message>
+        <source>would tell: %1</source>
+        <translation>сообщил бы: %1</translation>
+    </message>
+    <message>
+        <source>there is nothing to tell</source>
+        <translation>сообщать не о чем</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2; notices will not outlive this process</source>
+        <translation>не удаётся прочитать %1: %2; уведомления пропадут вместе с этим процессом</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged; it is kept as %2</source>
+        <translation>состояние в %1 повреждено; оно сохранено как %2</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>не удаётся записать %1: %2</translation>
+    </message>
+    <message>
+        <source>cannot look into the trash %1: %2</source>
+        <translation>не удаётся заглянуть в корзину %1: %2</translation>
+    </message>
+    <message>
+        <source>the trash holds %1, more than %2</source>
+        <translation>в корзине %1, больше %2</translation>
+    </message>
+    <message>
+        <source>%1 are free on the disk of %2, less than %3</source>
+        <translation>на диске с %2 свободно %1, меньше %3</translation>
+    </message>
+    <message>
+        <source>%1 of memory are free, less than %2</source>
+        <translation>свободно %1 памяти, меньше %2</translation>
+    </message>
+    <message>
+        <source>the application %1 has been removed from %2 and may have left files behind</source>
+        <translation>программа %1 удалена из %2; возможно, остались её файлы</translation>
+    </message>
+    <message>
+        <source>the regular maintenance has been due since %1</source>
+        <translation>регулярное обслуживание пора провести с %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

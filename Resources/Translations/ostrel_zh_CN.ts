@@ -482,6 +482,82 @@
         <source>[yes/no]</source>
         <translation>[是/否]</translation>
     </message>
+    <message>
+        <source>the scheduler answered: %1</source>
+        <translation>计划程序回复：%1</translation>
+    </message>
+    <message>
+        <source>the scheduler has gone</source>
+        <translation>计划程序已离开</translation>
+    </message>
+    <message>
+        <source>there are no notices</source>
+        <translation>没有通知</translation>
+    </message>
+    <message>
+        <source>there is no notice %1</source>
+        <translation>没有通知 %1</translation>
+    </message>
+    <message>
+        <source>there is no scheduler on the bus %1</source>
+        <translation>总线 %1 上没有计划程序</translation>
+    </message>
+    <message>
+        <source>the scheduler has not answered</source>
+        <translation>计划程序没有回复</translation>
+    </message>
+    <message>
+        <source>waiting for the scheduler</source>
+        <translation>正在等待计划程序</translation>
+    </message>
+    <message>
+        <source>another scheduler of this user keeps its notices in %1</source>
+        <translation>此用户的另一个计划程序正在 %1 中保存通知</translation>
+    </message>
+    <message>
+        <source>would tell: %1</source>
+        <translation>将会通知：%1</translation>
+    </message>
+    <message>
+        <source>there is nothing to tell</source>
+        <translation>没有需要通知的内容</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2; notices will not outlive this process</source>
+        <translation>无法读取 %1：%2；通知将随此进程一起丢失</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged; it is kept as %2</source>
+        <translation>%1 中的状态已损坏；已保留为 %2</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>无法写入 %1：%2</translation>
+    </message>
+    <message>
+        <source>cannot look into the trash %1: %2</source>
+        <translation>无法查看废纸篓 %1：%2</translation>
+    </message>
+    <message>
+        <source>the trash holds %1, more than %2</source>
+        <translation>废纸篓中有 %1，超过 %2</translation>
+    </message>
+    <message>
+        <source>%1 are free on the disk of %2, less than %3</source>
+        <translation>%2 所在磁盘的可用空间为 %1，少于 %3</translation>
+    </message>
+    <message>
+        <source>%1 of memory are free, less than %2</source>
+        <translation>可用内存为 %1，少于 %2</translation>
+    </message>
+    <message>
+        <source>the application %1 has been removed from %2 and may have left files behind</source>
+        <translation>应用程序 %1 已从 %2 中移除，可能留下了文件</translation>
+    </message>
+    <message>
+        <source>the regular maintenance has been due since %1</source>
+        <translation>定期维护自 %1 起已到期</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

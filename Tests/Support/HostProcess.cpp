@@ -41,14 +41,17 @@ HostProcess::~HostProcess()
   waitForFinished(5000);
 }
 
-void HostProcess::Begin()
+HostProcess& HostProcess::Begin()
 {
   start();
   EXPECT_TRUE(waitForStarted(longWait));
+  return *this;
 }
 
 void HostProcess::Signal(int number)
 {
+  // Without a process that would be everybody in the test's process group.
+  ASSERT_NE(processId(), 0);
   ::kill(static_cast<pid_t>(processId()), number);
 }
 

@@ -14,7 +14,7 @@ public:
   HostProcess(const QString& program, const QStringList& arguments);
   ~HostProcess() override;
 
-  void Begin();
+  HostProcess& Begin();
 
   void Signal(int number);
 
@@ -36,12 +36,14 @@ public:
   /** @return The first event that has all of @p fields; an empty one when it does not come. */
   QJsonObject WaitForEvent(const QJsonObject& fields);
 
+  /** Waits for @p fact, which looks at what this process prints; @p what is for the message if it never
+   * comes. */
+  bool WaitForOutput(const std::function<bool()>& fact, const QByteArray& what);
+
 protected:
   void setupChildProcess() override;
 
 private:
-  bool WaitForOutput(const std::function<bool()>& fact, const QByteArray& what);
-
   QByteArray out;
   QByteArray err;
 };

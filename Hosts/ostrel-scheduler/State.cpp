@@ -1,0 +1,247 @@
+#include "State.h"
+
+#include "Output.h"
+#include "SafeText.h"
+#include "Texts.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSaveFile>
+
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Ostrel
+{
+namespace
+{
+
+constexpr int stateVersion = 1;
+constexpr int mostNotices = 1000;
+constexpr qint64 longestFile = 16 * 1024 * 1024;
+
+const QString versionField = QStringLiteral("version");
+const QString lastIdField = QStringLiteral("lastId");
+const QString noticesField = QStringLiteral("notices");
+const QString toldField = QStringLiteral("told");
+const QString remindedField = QStringLiteral("reminded");
+const QString applicationsField = QStringLiteral("applications");
+
+// 0 or an errno. What is no plain file is not waited for, and not read.
+int ReadAll(const QByteArray& path, QByteArray& text)
+{
+  const int file = open(path.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (file < 0)
+    return errno;
+  struct stat status = {};
+  int error = fstat(file, &status) != 0 ? errno : 0;
+  if (error == 0 && (!S_ISREG(status.st_mode) || status.st_size > longestFile))
+    error = EFBIG;
+  std::array<char, 65536> buffer;
+  while (error == 0 && text.size() <= longestFile)
+  {
+    const ssize_t count = read(file, buffer.data(), buffer.size());
+    if (count == 0)
+      break;
+    if (count > 0)
+      text.append(buffer.data(), static_cast<int>(count));
+    else if (errno != EINTR)
+      error = errno;
+  }
+  close(file);
+  return error;
+}
+
+QStringList ReadTexts(const QJsonValue& value)
+{
+  QStringList texts;
+  const QJsonArray array = value.toArray();
+  for (const QJsonValue& text : array)
+    if (!text.toString().isEmpty())
+      texts.append(text.toString());
+  return texts;
+}
+
+} // namespace
+
+State::State(const QString& path) : path(path) {}
+
+State::~State()
+{
+  if (lockFile >= 0)
+    close(lockFile);
+}
+
+bool State::Lock()
+{
+  QDir().mkpath(QFileInfo(path).absolutePath());
+  const QByteArray name = path.toUtf8() + ".lock";
+  lockFile = open(name.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+  if (lockFile < 0)
+    return true;
+  int result = 0;
+  do
+    result = flock(lockFile, LOCK_EX | LOCK_NB);
+  while (result != 0 && errno == EINTR);
+  return result == 0 || errno != EWOULDBLOCK;
+}
+
+void State::Load(bool isReadOnly)
+{
+  isKept = !isReadOnly;
+  QByteArray text;
+  const int error = ReadAll(path.toUtf8(), text);
+  if (error == ENOENT)
+    return;
+  if (error != 0)
+  {
+    isKept = false;
+    PrintError(Texts::tr("cannot read %1: %2; notices will not outlive this process")
+                   .arg(ShowName(path), ShowReason(error)));
+    return;
+  }
+  if (std::optional<Data> parsed = Parse(text))
+    data = std::move(*parsed);
+  else if (isKept)
+    SetAside();
+}
+
+void State::SetAside() const
+{
+  const QString aside = path + QStringLiteral(".damaged");
+  PrintError(Texts::tr("the state in %1 is damaged; it is kept as %2").arg(ShowName(path), ShowName(aside)));
+  rename(path.toUtf8().constData(), aside.toUtf8().constData());
+}
+
+std::optional<State::Data> State::Parse(const QByteArray& text)
+{
+  const QJsonObject object = QJsonDocument::fromJson(text).object();
+  const std::optional<qint64> lastId = ReadInteger(object.value(lastIdField));
+  if (ReadInteger(object.value(versionField)) != stateVersion || !lastId)
+    return std::nullopt;
+  Data data;
+  data.lastId = *lastId;
+  const QJsonArray notices = object.value(noticesField).toArray();
+  for (const QJsonValue& value : notices)
+  {
+    const std::optional<Notice> notice = ReadNotice(value.toObject());
+    const qint64 previousId = data.notices.isEmpty() ? 0 : data.notices.last().id;
+    if (notice && notice->id > previousId && data.notices.size() < mostNotices)
+      data.notices.append(*notice);
+  }
+  if (!data.notices.isEmpty())
+    data.lastId = qMax(data.lastId, data.notices.last().id);
+  for (const QString& word : ReadTexts(object.value(toldField)))
+    data.told.insert(word);
+  data.remindedDate = QDate::fromString(object.value(remindedField).toString(), Qt::ISODate);
+  const QJsonObject applications = object.value(applicationsField).toObject();
+  for (auto entry = applications.begin(); entry != applications.end(); ++entry)
+    data.applications.insert(entry.key(), ReadTexts(entry.value()));
+  return data;
+}
+
+QByteArray State::Write() const
+{
+  QJsonArray notices;
+  for (const Notice& notice : data.notices)
+    notices.append(ToJson(notice));
+  QStringList told = data.told.values();
+  told.sort();
+  QJsonObject applications;
+  for (auto entry = data.applications.begin(); entry != data.applications.end(); ++entry)
+    applications.insert(entry.key(), QJsonArray::fromStringList(entry.value()));
+  return QJsonDocument(QJsonObject{{versionField, stateVersion},
+                                   {lastIdField, data.lastId},
+                                   {noticesField, notices},
+                                   {toldField, QJsonArray::fromStringList(told)},
+                                   {remindedField, data.remindedDate.toString(Qt::ISODate)},
+                                   {applicationsField, applications}})
+      .toJson();
+}
+
+bool State::Save()
+{
+  if (isSaved || !isKept)
+    return true;
+  QSaveFile file(path);
+  const bool isOpen =
+      file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+  if (isOpen)
+    file.write(Write());
+  isSaved = isOpen && file.commit();
+  if (!isSaved)
+    ReportOnce(Texts::tr("cannot write %1: %2").arg(ShowName(path), ShowText(file.errorString())));
+  else
+    isReported = false;
+  return isSaved;
+}
+
+void State::ReportOnce(const QString& text)
+{
+  if (!isReported)
+    PrintError(text);
+  isReported = true;
+}
+
+Notice State::Add(Notice notice)
+{
+  notice.id = ++data.lastId;
+  notice.time = QDateTime::currentDateTimeUtc();
+  data.notices.append(notice);
+  if (data.notices.size() > mostNotices)
+    data.notices.removeFirst();
+  isSaved = false;
+  return notice;
+}
+
+std::optional<QVector<qint64>> State::Acknowledge(const QSet<qint64>& ids)
+{
+  QVector<qint64> removed;
+  QVector<Notice> rest;
+  for (const Notice& notice : qAsConst(data.notices))
+  {
+    if (ids.contains(notice.id))
+      removed.append(notice.id);
+    else
+      rest.append(notice);
+  }
+  if (removed.isEmpty())
+    return removed;
+  rest.swap(data.notices);
+  isSaved = false;
+  if (Save())
+    return removed;
+  rest.swap(data.notices);
+  return std::nullopt;
+}
+
+void State::SetTold(NoticeKind kind, bool isTold)
+{
+  if (IsTold(kind) == isTold)
+    return;
+  if (isTold)
+    data.told.insert(GetWord(kind));
+  else
+    data.told.remove(GetWord(kind));
+  isSaved = false;
+}
+
+void State::SetRemindedDate(const QDate& date)
+{
+  isSaved = isSaved && data.remindedDate == date;
+  data.remindedDate = date;
+}
+
+void State::SetApplications(const QMap<QString, QStringList>& applications)
+{
+  isSaved = isSaved && data.applications == applications;
+  data.applications = applications;
+}
+
+} // namespace Ostrel
