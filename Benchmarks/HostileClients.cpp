@@ -22,15 +22,18 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <map>
 #include <memory>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 #include <vector>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 
 using namespace Tavrik;
 
@@ -39,20 +42,25 @@ namespace
 
 const QString contextName = QStringLiteral("hostile");
 const QByteArray contextBytes = contextName.toUtf8();
-const int messages = 400;
+const int messages = 300;
 const int tick = 20000; // us
-const int largestPacket = 1 << 20;
+const char* const packetVariable = "HOSTILE_CLIENTS_PACKET";
 const int mostTimesSlower = 2;
+
+int LargestPacket()
+{
+  return std::max(qEnvironmentVariableIntValue(packetVariable), 1024);
+}
 
 Bazaar::Limits ServerLimits()
 {
   Bazaar::Limits limits;
   limits.admissionTime = 2000;
   limits.replyTime = 10000;
-  limits.packetSize = largestPacket;
+  limits.packetSize = LargestPacket();
   limits.queuedMessages = 10000;
-  limits.queuedBytes = 16LL * largestPacket;
-  limits.unwrittenBytes = 4LL * largestPacket;
+  limits.queuedBytes = 16LL * LargestPacket();
+  limits.unwrittenBytes = 4LL * LargestPacket();
   limits.clients = 64;
   return limits;
 }
@@ -178,7 +186,7 @@ void SayByteByByte(Connection& connection, const QByteArray& packet)
 void Flood(Connection& connection, int number)
 {
   const QByteArray recipients[] = {"hearer", "stopped0", "nobody", "server"};
-  const int size = number < 4 ? largestPacket - 1000 : 100;
+  const int size = number < 4 ? LargestPacket() - 200 : 100;
   const QByteArray message = Wire::Message(contextBytes, 1, recipients[number % 4], QByteArray(size, 'x'));
   while (connection.Write(message))
     while (number % 2 == 0 && connection.Discard(MSG_DONTWAIT))
@@ -200,7 +208,7 @@ void SendGarbage(Connection& connection, int number)
 {
   const QByteArray introduction =
       Wire::Introduction(contextBytes, kind.toUtf8() + QByteArray::number(number));
-  const QByteArray large = Wire::Message(contextBytes, 1, "nobody", QByteArray(largestPacket / 2, 'x'));
+  const QByteArray large = Wire::Message(contextBytes, 1, "nobody", QByteArray(LargestPacket() / 2, 'x'));
   const std::map<QString, std::function<void(Connection&)>> kinds = {
       {QStringLiteral("silent"), [](Connection& connection) { connection.WaitForEnd(); }},
       {QStringLiteral("slow"),
@@ -245,6 +253,7 @@ class Child
 public:
   explicit Child(const QStringList& arguments)
   {
+    process.setStandardErrorFile(QProcess::nullDevice());
     process.start(QCoreApplication::applicationFilePath(), arguments);
     process.waitForReadyRead();
     process.readLine();
@@ -300,8 +309,9 @@ void Print(const char* name, const Figures& figures)
   std::fflush(stdout);
 }
 
-int Lead()
+int Lead(const QByteArray& packetSize)
 {
+  qputenv(packetVariable, packetSize);
   const QTemporaryDir folder;
   qputenv("TMPDIR", folder.path().toLocal8Bit());
   const Child server({QStringLiteral("server")});
@@ -332,9 +342,15 @@ int Lead()
 int main(int argc, char** argv)
 {
   google::InitGoogleLogging(argv[0]);
+  FLAGS_logtostderr = true;
+#ifdef __linux__
+  if (std::getenv(packetVariable))
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
   QCoreApplication application(argc, argv);
   const QStringList arguments = QCoreApplication::arguments().mid(1);
   if (arguments.size() > 1)
     BeHostile(arguments[0], arguments[1].toInt());
-  return arguments.isEmpty() ? Lead() : Participate(arguments[0]);
+  const QString first = arguments.value(0, QStringLiteral("65536"));
+  return first.toInt() > 0 ? Lead(first.toLatin1()) : Participate(first);
 }

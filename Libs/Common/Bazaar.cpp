@@ -395,7 +395,9 @@ private:
       const int beginning = FindBeginning(waiting);
       if (waiting.size() - beginning < signature.size())
       {
-        *packet = ReadCopy(device, beginning);
+        // Hunting through it byte by byte would find no more than this.
+        device->skip(beginning);
+        *packet = ReadCopy(device, 0);
         return false;
       }
       device->skip(beginning);
