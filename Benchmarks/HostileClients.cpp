@@ -87,25 +87,30 @@ public:
   void OnMemberLeft(const QString&) override {}
 };
 
-// Tells the latencies of the sayer's messages, and takes no notice of what others say.
+// Tells the latencies of the sayer's messages, and how many others came between them.
 class Hearer : public Quiet
 {
 public:
   void OnMessage(const QString& sender, const QByteArray& data) override
   {
     if (sender != QStringLiteral("sayer"))
+    {
+      ++others;
       return;
+    }
     latencies.push_back(static_cast<double>(Now() - data.toLongLong()) / 1e6);
     if (latencies.size() < messages)
       return;
     std::sort(latencies.begin(), latencies.end());
-    std::printf("%f %f %f\n", latencies[messages / 2], latencies[messages * 99 / 100], latencies.back());
+    std::printf("%f %f %f %d\n", latencies[messages / 2], latencies[messages * 99 / 100], latencies.back(),
+                others);
     std::fflush(stdout);
     QCoreApplication::quit();
   }
 
 private:
   std::vector<double> latencies;
+  int others = 0;
 };
 
 int Participate(const QString& name)
@@ -286,6 +291,7 @@ struct Figures
   double median = 0;
   double p99 = 0;
   double worst = 0;
+  int others = 0;  // messages that the hearer got from the hostile
   double load = 0; // of the server, in processors
 };
 
@@ -299,13 +305,14 @@ Figures Measure(qint64 server)
   hearer.process.waitForFinished(300000);
   const QList<QByteArray> numbers = hearer.process.readAll().trimmed().split(' ');
   return {numbers.value(0).toDouble(), numbers.value(1).toDouble(), numbers.value(2).toDouble(),
+          numbers.value(3).toInt(),
           (ProcessorTime(server) - before) / (static_cast<double>(time.elapsed()) / 1000)};
 }
 
 void Print(const char* name, const Figures& figures)
 {
-  std::printf("%-16s %8.1f %8.1f %8.1f %8.2f\n", name, figures.median, figures.p99, figures.worst,
-              figures.load);
+  std::printf("%-16s %8.1f %8.1f %8.1f %8.2f %8d\n", name, figures.median, figures.p99, figures.worst,
+              figures.load, figures.others);
   std::fflush(stdout);
 }
 
@@ -315,7 +322,7 @@ int Lead(const QByteArray& packetSize)
   const QTemporaryDir folder;
   qputenv("TMPDIR", folder.path().toLocal8Bit());
   const Child server({QStringLiteral("server")});
-  std::printf("%d messages, ms   median      p99    worst     load\n", messages);
+  std::printf("%d messages, ms   median      p99    worst     load   others\n", messages);
   const Figures without = Measure(server.process.processId());
   Print("without", without);
 
