@@ -423,6 +423,20 @@ TEST_F(PacketSize, BoundsWhatIsReadAhead)
   }
 }
 
+TEST_F(PacketSize, LetsManyPacketsAtTheLimitThroughOneBehindTheOther)
+{
+  const int count = 50;
+  const QByteArray message = Message(65000);
+  Limit(&Limits::packetSize, message.size());
+  Serve();
+  const auto hear = Joined("hear");
+  const auto tell = Joined("tell");
+  tell->Write(message.repeated(count));
+  EXPECT_TRUE(hear->Got("MESSAGE", count));
+  EXPECT_TRUE(tell->Got("RESULT", count));
+  EXPECT_TRUE(tell->IsConnected());
+}
+
 TEST_F(PacketSize, OfAFloodOfGarbageStaysWithinTheLimit)
 {
   Limit(&Limits::packetSize, 65536);
