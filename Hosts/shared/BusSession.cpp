@@ -2,6 +2,7 @@
 
 #include "ExitCodes.h"
 #include "Output.h"
+#include "Payload.h"
 #include "SafeText.h"
 #include "Texts.h"
 
@@ -38,6 +39,18 @@ constexpr std::chrono::milliseconds watchInterval = 200ms;
 // The event loop has this long, three times over, to return after it was told to.
 constexpr std::chrono::milliseconds stuckInterval = 500ms;
 constexpr int stuckTicks = 3;
+
+// The largest payload has to pass. How long joining takes, and how much is said at once, this program bounds
+// itself.
+void LimitBus()
+{
+  Tavrik::Bazaar::Limits limits;
+  limits.admissionTime = std::chrono::milliseconds(5s).count();
+  limits.packetSize = longestPayload + 1024LL * 1024;
+  limits.unwrittenBytes = 2 * limits.packetSize;
+  limits.clients = 256;
+  Tavrik::Bazaar::SetLimits(limits);
+}
 
 QString GetProcessId()
 {
@@ -113,6 +126,7 @@ BusSession::BusSession(const BusOptions& options, Signals& signalSource)
     clientName = QStringLiteral("ostrel-") + GetProcessId();
   if (options.timeout)
     deadline.setRemainingTime(options.timeout->count());
+  LimitBus();
 }
 
 BusSession::~BusSession()

@@ -47,6 +47,8 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
+#include <vector>
 
 namespace Tavrik::Bazaar
 {
@@ -83,6 +85,14 @@ const int smallestPacket = 48;           // bytes that must wait before a tick r
 const int smallestHeader = 14;           // bytes
 const int smallestBody = 4;              // bytes
 const int largestArray = std::numeric_limits<int>::max() - 64; // bytes that one QByteArray holds for sure
+const int smallestReadAhead = 4096; // bytes that Qt may read ahead where packets are limited
+const int warningPeriod = 10000;    // ms in which a limit's breaches are told once
+const int longestShownName = 64;    // bytes of a name in such a line
+
+// ---- Limits ---------------------------------------------------------------------------------------------
+
+Limits processLimits;
+boost::mutex processLimitsMutex;
 
 // ---- Packets --------------------------------------------------------------------------------------------
 
@@ -189,14 +199,14 @@ QByteArray CreateBodyStatus(const QList<QByteArray>& names)
   return body;
 }
 
-// The packet of a message, or nothing when no array could hold it.
+// The packet of a message, or nothing when it would be larger than `largest`.
 QByteArray CreateMessagePacket(const QByteArray& contextName, long long id, const QByteArray& name,
-                               const QByteArray& data)
+                               const QByteArray& data, long long largest = largestArray)
 {
   const long long size = 16LL + name.size() + data.size() + preambleSize + smallestHeader +
                          contextName.size() + commandMessage.size();
-  return size > largestArray ? QByteArray()
-                             : CreatePacket(contextName, commandMessage, CreateBodyMessage(id, name, data));
+  return size > largest ? QByteArray()
+                        : CreatePacket(contextName, commandMessage, CreateBodyMessage(id, name, data));
 }
 
 bool FindSignature(QIODevice* device)
@@ -338,6 +348,11 @@ namespace Details
 class Intake
 {
 public:
+  explicit Intake(long long largest = std::numeric_limits<long long>::max()) : largest(largest) {}
+
+  // Whether the packet at the head is known to be larger than it may be; it is never taken then.
+  bool IsTooLarge() const { return needed > largest; }
+
   // Reads a packet, good or bad, if that needs no waiting.
   bool Take(QIODevice* device, Packet* packet)
   {
@@ -347,13 +362,13 @@ public:
       return true;
     if (IsWhole(device))
     {
-      *this = Intake();
+      *this = Intake(largest);
       *packet = ReadPacket(device);
       return true;
     }
-    if (!HasStalled(device->bytesAvailable()))
+    if (IsTooLarge() || !HasStalled(device->bytesAvailable()))
       return false;
-    *this = Intake();
+    *this = Intake(largest);
     *packet = ReadCopy(device, device->bytesAvailable());
     return true;
   }
@@ -380,7 +395,9 @@ private:
       const int beginning = FindBeginning(waiting);
       if (waiting.size() - beginning < signature.size())
       {
-        *packet = ReadCopy(device, beginning);
+        // Hunting through it byte by byte would find no more than this.
+        device->skip(beginning);
+        *packet = ReadCopy(device, 0);
         return false;
       }
       device->skip(beginning);
@@ -400,12 +417,12 @@ private:
       if (!isBodyKnown)
         needed += headerSize;
     }
-    if (available >= needed && !isBodyKnown)
+    if (available >= needed && !isBodyKnown && !IsTooLarge())
     {
       needed += BodySize(device->peek(needed));
       isBodyKnown = true;
     }
-    return isBodyKnown && available >= needed;
+    return isBodyKnown && available >= needed && !IsTooLarge();
   }
 
   // What the packet reader will want behind this header.
@@ -441,6 +458,7 @@ private:
     return ReadPacket(&copy);
   }
 
+  long long largest;
   long long needed = 0; // bytes that the packet is known to have; 0 when none has begun
   bool isHeaderKnown = false;
   bool isBodyKnown = false;
@@ -612,13 +630,36 @@ public:
     QByteArray packet;
   };
 
+  // Somebody who has connected and is not admitted yet.
+  struct Entrant
+  {
+    QPointer<QLocalSocket> client;
+    Details::Intake intake;
+    QElapsedTimer waiting;
+    bool isDeaf = false; // his first packet was no introduction, and he is not read again
+  };
+
+  // How often the breach of one limit was not told, and since when.
+  struct Silence
+  {
+    QElapsedTimer since;
+    long long untold = 0;
+  };
+
   Impl(const QString& contextName, const QString& clientName, int flags);
+
+  // Limits
+  long long LargestPacket() const;
+  void LimitReading(QLocalSocket* of) const;
+  void Warn(long long Limits::*breached, const QByteArray& text);
 
   // Saying
   long long Say(const QByteArray& recipient, const QByteArray& data);
   void FlushPending();
   bool Write(const QByteArray& packet);
   void CancelMessagaesWithoutRecipient();
+  void CountPending();
+  bool HasRoomFor(const QByteArray& packet);
 
   // Start-up
   bool Init();
@@ -633,7 +674,9 @@ public:
   void RemoveSocketFile();
   void ShakeHands();
   void SendIntroduction();
-  bool WaitForReply();
+  bool WaitForReply(Packet* reply);
+  bool TakeReply(Packet* reply);
+  void StartOver();
   bool IsServerGone() const;
   void Attach();
   void ScheduleReconnect();
@@ -643,6 +686,15 @@ public:
   // Serving
   void AddClient(QLocalSocket* client);
   void AddOwnClient(QLocalSocket* client);
+  bool HasRoomForClients();
+  void CheckEntrants();
+  bool Receive(Entrant* entrant);
+  bool Admit(QLocalSocket* client, const Packet& packet);
+  bool IsNameTooLong(const QByteArray& name) const;
+  bool IsBehind(QLocalSocket* client, const QByteArray& packet);
+  void Refuse(QLocalSocket* client);
+  void Expel(const QByteArray& name);
+  void ExpelTheIdle();
   void WaitForIntroduction(QLocalSocket* client);
   bool IsNameTaken(const QByteArray& name);
   void RemoveDisconnectedClients();
@@ -681,6 +733,8 @@ public:
   void PassOnOwnMessages();
   void Leave();
 
+  const Limits limits;
+  std::vector<std::pair<long long Limits::*, Silence>> silences;
   int flags;
   QByteArray contextName;
   QByteArray clientName;
@@ -699,10 +753,13 @@ public:
   bool reconnectRequested = false;
   QVector<QByteArray> deferredStatus;
   QVector<PendingMessage> pending;
+  long long pendingBytes = 0;  // of the packets in `pending`
+  bool isReplyOverdue = false; // whether the last handshake ended for that
   QVector<QByteArray> members;
   std::unique_ptr<QLocalServer> server; // listening, and `socket` is connected to it; or empty
   QMap<QByteArray, QPointer<QLocalSocket>> clients;
   QHash<const QLocalSocket*, Details::Intake> intakes; // of `clients`
+  QVector<Entrant> entrants;
   QVector<std::weak_ptr<Listener>> listeners;
   QVector<std::weak_ptr<Listener>> stagedListeners;
   QTimer clientsTimer;
@@ -710,7 +767,7 @@ public:
 };
 
 Context::Impl::Impl(const QString& contextName, const QString& clientName, int flags)
-    : flags(flags), contextName(contextName.toUtf8()), clientName(clientName.toUtf8())
+    : limits(GetLimits()), flags(flags), contextName(contextName.toUtf8()), clientName(clientName.toUtf8())
 {
   const QString name =
       QStringLiteral("tavrik:bazaar:ipc:1.0") + userIdString + QLatin1Char(':') + contextName;
@@ -729,14 +786,77 @@ Context::Impl::Impl(const QString& contextName, const QString& clientName, int f
                          });
 }
 
+// ---- Limits ---------------------------------------------------------------------------------------------
+
+long long Context::Impl::LargestPacket() const
+{
+  return limits.packetSize > 0 ? limits.packetSize : std::numeric_limits<long long>::max();
+}
+
+void Context::Impl::LimitReading(QLocalSocket* of) const
+{
+  if (limits.packetSize > 0)
+    of->setReadBufferSize(std::max<long long>(limits.packetSize, smallestReadAhead));
+}
+
+void Context::Impl::Warn(long long Limits::*breached, const QByteArray& text)
+{
+  auto silence = std::find_if(silences.begin(), silences.end(),
+                              [&](const auto& other) { return other.first == breached; });
+  if (silence == silences.end())
+    silence = silences.insert(silences.end(), {breached, Silence()});
+  else if (!silence->second.since.hasExpired(warningPeriod))
+  {
+    ++silence->second.untold;
+    return;
+  }
+  const long long untold = silence->second.untold;
+  LOG(WARNING) << text.constData()
+               << (untold > 0 ? " (and " + QByteArray::number(untold) + " times more since the last line)"
+                              : QByteArray())
+                      .constData();
+  silence->second.untold = 0;
+  silence->second.since.start();
+}
+
 // ---- Saying ---------------------------------------------------------------------------------------------
 
 long long Context::Impl::Say(const QByteArray& recipient, const QByteArray& data)
 {
   const long long id = lastMessageId + 1;
-  pending.append({id, recipient, CreateMessagePacket(contextName, id, recipient, data)});
+  const QByteArray packet = CreateMessagePacket(contextName, id, recipient, data,
+                                                std::min<long long>(largestArray, LargestPacket()));
+  if (packet.isEmpty() && limits.packetSize > 0)
+    Warn(&Limits::packetSize, "A message is larger than a packet may be and will not be sent");
+  if (!HasRoomFor(packet))
+    return -1;
+  pending.append({id, recipient, packet});
+  pendingBytes += packet.size();
   lastMessageId = id;
   return id;
+}
+
+bool Context::Impl::HasRoomFor(const QByteArray& packet)
+{
+  if (limits.queuedMessages > 0 && pending.size() >= limits.queuedMessages)
+  {
+    Warn(&Limits::queuedMessages, "The queue is full of messages and refuses another");
+    return false;
+  }
+  const long long unwritten = socket ? socket->bytesToWrite() : 0;
+  if (limits.queuedBytes > 0 && pendingBytes + unwritten + packet.size() > limits.queuedBytes)
+  {
+    Warn(&Limits::queuedBytes, "The queue has no room for the bytes of a message and refuses it");
+    return false;
+  }
+  return true;
+}
+
+void Context::Impl::CountPending()
+{
+  pendingBytes = 0;
+  for (const PendingMessage& message : qAsConst(pending))
+    pendingBytes += message.packet.size();
 }
 
 void Context::Impl::FlushPending()
@@ -751,6 +871,7 @@ void Context::Impl::FlushPending()
       unsent.append(message.id);
   }
   pending = held;
+  CountPending();
 
   const Error notSent = ConvertErrorCode(errorNotSent);
   for (const long long id : qAsConst(unsent))
@@ -770,6 +891,7 @@ void Context::Impl::CancelMessagaesWithoutRecipient()
                                [this](const PendingMessage& message)
                                { return !HasMember(message.recipient); }),
                 pending.end());
+  CountPending();
 }
 
 // ---- Start-up and election ------------------------------------------------------------------------------
@@ -842,7 +964,9 @@ bool Context::Impl::Init()
   if (closing)
     return false;
 
-  Attach();
+  // A server that never answers must not make every further tick come once more.
+  if (!isTicking || !isReplyOverdue)
+    Attach();
   if (isTicking && !reconnectRequested && !IsConnected(socket.get()))
     ScheduleReconnect();
   return true;
@@ -875,7 +999,8 @@ void Context::Impl::Unregister()
 bool Context::Impl::Connect(int timeout)
 {
   socket = std::make_unique<QLocalSocket>();
-  intake = Details::Intake();
+  LimitReading(socket.get());
+  intake = Details::Intake(LargestPacket());
   socket->connectToServer(serverName, QIODevice::ReadWrite);
   if (!socket->waitForConnected(timeout))
     return false;
@@ -931,6 +1056,7 @@ void Context::Impl::BecomeServer()
   RemoveSocketFile();
   clients.clear();
   intakes.clear();
+  entrants.clear();
 
   auto candidate = std::make_unique<QLocalServer>();
   {
@@ -954,13 +1080,14 @@ void Context::Impl::RemoveSocketFile()
 
 void Context::Impl::ShakeHands()
 {
+  isReplyOverdue = false;
   if (server && FirstAdmission::Claim(this))
     return;
 
   SendIntroduction();
-  if (!WaitForReply())
+  Packet packet;
+  if (!WaitForReply(&packet))
     return;
-  const Packet packet = ReadPacket(socket.get());
   if (!IsUsable(packet))
   {
     LOG(ERROR) << "Can't read a packet";
@@ -986,15 +1113,30 @@ void Context::Impl::SendIntroduction()
 
 // A server that refuses the name hangs up and never answers: that wait has no end. One that is gone cannot
 // answer.
-bool Context::Impl::WaitForReply()
+bool Context::Impl::WaitForReply(Packet* reply)
 {
   QTimer wakeUp;
-  wakeUp.start(heartbeat);
-  while (socket->bytesAvailable() == 0)
+  wakeUp.start(limits.replyTime > 0 ? static_cast<int>(std::min<long long>(limits.replyTime, heartbeat))
+                                    : heartbeat);
+  QElapsedTimer waiting;
+  waiting.start();
+  while (!TakeReply(reply))
   {
     if (IsServerGone())
     {
       ScheduleReconnect();
+      return false;
+    }
+    if (intake.IsTooLarge())
+    {
+      Warn(&Limits::packetSize, "The server answers with a packet that is too large");
+      StartOver();
+      return false;
+    }
+    if (limits.replyTime > 0 && waiting.hasExpired(limits.replyTime))
+    {
+      Warn(&Limits::replyTime, clientName + " has waited too long for the server to answer");
+      StartOver();
       return false;
     }
     RunEventLoop();
@@ -1002,6 +1144,24 @@ bool Context::Impl::WaitForReply()
       return false;
   }
   return true;
+}
+
+// Without limits the answer is waited for as soon as it begins.
+bool Context::Impl::TakeReply(Packet* reply)
+{
+  if (limits.replyTime > 0 || limits.packetSize > 0)
+    return intake.Take(socket.get(), reply);
+  if (socket->bytesAvailable() == 0)
+    return false;
+  *reply = ReadPacket(socket.get());
+  return true;
+}
+
+void Context::Impl::StartOver()
+{
+  isReplyOverdue = true;
+  socket->abort();
+  ScheduleReconnect();
 }
 
 bool Context::Impl::IsServerGone() const
@@ -1069,6 +1229,7 @@ void Context::Impl::DropServer()
   server->disconnect();
   clients.clear();
   intakes.clear();
+  entrants.clear();
   const StartupLock lock(serverName);
   server.reset();
 }
@@ -1079,19 +1240,88 @@ void Context::Impl::AddClient(QLocalSocket* client)
 {
   if (!client)
     return;
+  LimitReading(client);
   if (FirstAdmission::Use(this))
   {
     AddOwnClient(client);
     return;
   }
+  if (!HasRoomForClients())
+  {
+    Warn(&Limits::clients, "Too many clients: refused another");
+    Refuse(client);
+    return;
+  }
+  if (limits.admissionTime > 0 || limits.packetSize > 0)
+  {
+    QElapsedTimer waiting;
+    waiting.start();
+    entrants.append({client, Details::Intake(LargestPacket()), waiting});
+    return;
+  }
 
   WaitForIntroduction(client);
-  const Packet packet = ReadPacket(client);
+  Admit(client, ReadPacket(client));
+}
+
+bool Context::Impl::HasRoomForClients()
+{
+  if (limits.clients <= 0)
+    return true;
+  const QList<QLocalSocket*> accepted = server->findChildren<QLocalSocket*>();
+  return std::count_if(accepted.begin(), accepted.end(), &IsConnected) <= limits.clients;
+}
+
+void Context::Impl::CheckEntrants()
+{
+  QVector<Entrant> waiting;
+  waiting.swap(entrants);
+  for (Entrant& entrant : waiting)
+    if (!Receive(&entrant))
+      entrants.append(entrant);
+}
+
+// Whether the matter is settled, one way or the other.
+bool Context::Impl::Receive(Entrant* entrant)
+{
+  QLocalSocket* const client = entrant->client;
+  Packet packet;
+  if (!client)
+    return true;
+  if (!entrant->isDeaf && entrant->intake.Take(client, &packet))
+  {
+    entrant->isDeaf = !Admit(client, packet);
+    return !entrant->isDeaf;
+  }
+  if (!IsConnected(client))
+  {
+    if (!entrant->isDeaf)
+      Admit(client, packet);
+    return true;
+  }
+  if (entrant->intake.IsTooLarge())
+  {
+    Warn(&Limits::packetSize, "Refused somebody whose introduction is too large");
+    Refuse(client);
+    return true;
+  }
+  if (limits.admissionTime > 0 && entrant->waiting.hasExpired(limits.admissionTime))
+  {
+    Warn(&Limits::admissionTime, "Refused somebody who did not introduce himself in time");
+    Refuse(client);
+    return true;
+  }
+  return false;
+}
+
+// False when the socket stays without being admitted.
+bool Context::Impl::Admit(QLocalSocket* client, const Packet& packet)
+{
   if (!IsUsable(packet))
   {
     LOG(ERROR) << "Can't read a packet";
     client->deleteLater();
-    return;
+    return true;
   }
   if (packet.command != commandMessage)
   {
@@ -1100,7 +1330,7 @@ void Context::Impl::AddClient(QLocalSocket* client)
     // It stays, and nobody will read what it sends: that must not pile up here.
     client->setReadBufferSize(1);
     QObject::connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
-    return;
+    return false;
   }
   const BodyMessage introduction = ParseBodyMessage(packet.body);
   const QByteArray& name = introduction.second;
@@ -1114,7 +1344,13 @@ void Context::Impl::AddClient(QLocalSocket* client)
   {
     LOG(ERROR) << "The client with the name \"" << name.constData() << "\" has alredy connected";
     client->deleteLater();
-    return;
+    return true;
+  }
+  if (IsNameTooLong(name))
+  {
+    Warn(&Limits::packetSize, "Refused a name that makes the list of members too large");
+    Refuse(client);
+    return true;
   }
   clients.insert(name, client);
   QObject::connect(
@@ -1124,6 +1360,57 @@ void Context::Impl::AddClient(QLocalSocket* client)
   // Nobody will tell of one who left while his introduction was read.
   if (!IsConnected(client))
     RemoveDisconnectedClients();
+  return true;
+}
+
+// A list that is too large would drive everybody away.
+bool Context::Impl::IsNameTooLong(const QByteArray& name) const
+{
+  if (limits.packetSize <= 0)
+    return false;
+  long long size = preambleSize + smallestHeader + contextName.size() + commandStatus.size() + 4LL;
+  for (const QByteArray& other : clients.keys() + QList<QByteArray>{name})
+    size += 4LL + other.size();
+  return size > limits.packetSize;
+}
+
+void Context::Impl::Refuse(QLocalSocket* client)
+{
+  client->disconnect();
+  client->abort();
+  client->deleteLater();
+}
+
+void Context::Impl::Expel(const QByteArray& name)
+{
+  const QPointer<QLocalSocket> client = clients.take(name);
+  intakes.remove(client);
+  Refuse(client);
+  SendStatus();
+}
+
+bool Context::Impl::IsBehind(QLocalSocket* client, const QByteArray& packet)
+{
+  if (limits.unwrittenBytes <= 0 || client->bytesToWrite() + packet.size() <= limits.unwrittenBytes)
+    return false;
+  Warn(&Limits::unwrittenBytes, "A message finds too much unread before it and is not forwarded");
+  return true;
+}
+
+// Not the server's own participant: it reads again once its listener lets it.
+void Context::Impl::ExpelTheIdle()
+{
+  if (limits.unwrittenBytes <= 0)
+    return;
+  for (const QByteArray& name : clients.keys())
+  {
+    const QPointer<QLocalSocket> client = clients.value(name);
+    if (name == clientName || !IsConnected(client) ||
+        client->bytesToWrite() - limits.unwrittenBytes <= limits.unwrittenBytes)
+      continue;
+    Warn(&Limits::unwrittenBytes, "Disconnected a client that does not read: " + name.left(longestShownName));
+    Expel(name);
+  }
 }
 
 void Context::Impl::AddOwnClient(QLocalSocket* client)
@@ -1193,7 +1480,9 @@ void Context::Impl::SendStatus()
     // Who has not read what came before will not read this any sooner for being waited for.
     const bool isBehind = client->bytesToWrite() > 0;
     client->write(packet);
-    if (!isBehind)
+    if (limits.unwrittenBytes > 0)
+      client->flush();
+    else if (!isBehind)
       client->waitForBytesWritten(transferTimeout);
   }
 }
@@ -1202,17 +1491,32 @@ void Context::Impl::SendStatus()
 
 void Context::Impl::CheckClients()
 {
+  CheckEntrants();
   for (const QByteArray& name : clients.keys())
     TakeAndRoute(name, clients.value(name));
+  ExpelTheIdle();
 }
 
 bool Context::Impl::TakeAndRoute(const QByteArray& name, QLocalSocket* client)
 {
-  Packet packet;
-  if (!client || client->bytesAvailable() < smallestPacket || !intakes[client].Take(client, &packet))
+  if (!client || client->bytesAvailable() < smallestPacket)
     return false;
-  RoutePacket(name, packet);
-  return true;
+  auto found = intakes.find(client);
+  if (found == intakes.end())
+    found = intakes.insert(client, Details::Intake(LargestPacket()));
+  Packet packet;
+  if (found->Take(client, &packet))
+  {
+    RoutePacket(name, packet);
+    return true;
+  }
+  if (found->IsTooLarge() && IsConnected(client))
+  {
+    Warn(&Limits::packetSize,
+         "Disconnected a client whose packet is too large: " + name.left(longestShownName));
+    Expel(name);
+  }
+  return false;
 }
 
 void Context::Impl::RoutePacket(const QByteArray& name, const Packet& packet)
@@ -1250,8 +1554,12 @@ void Context::Impl::SendMessage(const QByteArray& sender, const QByteArray& reci
     LOG(WARNING) << "Client " << recipient.constData() << " is not connected";
     return;
   }
-  const QByteArray packet = CreateMessagePacket(contextName, 0, sender, data);
-  const bool isWritten = !packet.isEmpty() && target->write(packet) == packet.size();
+  const QByteArray packet =
+      CreateMessagePacket(contextName, 0, sender, data, std::min<long long>(largestArray, LargestPacket()));
+  if (packet.isEmpty() && limits.packetSize > 0)
+    Warn(&Limits::packetSize, "A message is larger than a packet may be and is not forwarded");
+  const bool isWritten =
+      !packet.isEmpty() && !IsBehind(target, packet) && target->write(packet) == packet.size();
   SendResultToClient(sender, id, isWritten ? noError : errorNotWritten);
 }
 
@@ -1310,7 +1618,7 @@ void Context::Impl::Tick()
     DispatchMembership(status);
   }
   ReadIncoming(readingTime);
-  if (isSettled && !closing)
+  if ((isSettled || isReplyOverdue) && !closing)
     FlushPending();
 }
 
@@ -1324,6 +1632,11 @@ void Context::Impl::ReadIncoming(long long limit)
     if (!intake.Take(socket.get(), &packet))
       break;
     DispatchPacket(packet);
+  }
+  if (!closing && intake.IsTooLarge() && IsConnected(socket.get()))
+  {
+    Warn(&Limits::packetSize, "The server sends a packet that is too large");
+    socket->abort();
   }
 }
 
@@ -1527,6 +1840,23 @@ void Context::Impl::Leave()
 }
 
 // ---- The facade -----------------------------------------------------------------------------------------
+
+void SetLimits(const Limits& limits)
+{
+  Limits set = limits;
+  for (long long Limits::*limit :
+       {&Limits::admissionTime, &Limits::replyTime, &Limits::packetSize, &Limits::queuedMessages,
+        &Limits::queuedBytes, &Limits::unwrittenBytes, &Limits::clients})
+    set.*limit = std::max(set.*limit, 0LL);
+  const boost::unique_lock<boost::mutex> lock(processLimitsMutex);
+  processLimits = set;
+}
+
+Limits GetLimits()
+{
+  const boost::unique_lock<boost::mutex> lock(processLimitsMutex);
+  return processLimits;
+}
 
 QString GetErrorString(Error error)
 {

@@ -31,6 +31,73 @@ enum Error
   ErrorNoRecipient = 4 ///< Nobody of the recipient's name is connected.
 };
 
+/**
+ * What a process of the bus puts up with. Each limit is off at 0, which is the default, and at any negative
+ * value; what is exactly at a limit passes.
+ *
+ * A breach logs a WARNING line. Of the breaches of one limit within 10 s only the first does, and the next
+ * line tells how many were left out.
+ */
+struct Limits
+{
+  /**
+   * Milliseconds in which somebody who connects to a server of this process has to introduce himself; then
+   * the connection is closed. While this or #packetSize is set, the server waits for nobody at its door:
+   * without them, somebody who connects and says nothing stops the server for 30 s, and one who begins to
+   * speak for as long as he likes.
+   */
+  long long admissionTime = 0;
+
+  /**
+   * Milliseconds in which a server has to answer a participant's introduction with the list of members; then
+   * the participant closes the connection and begins anew on its next tick, so that a constructor returns
+   * without a member. Messages said until then are "NOT SENT".
+   */
+  long long replyTime = 0;
+
+  /**
+   * Bytes of the largest packet, from its signature to the end of its body. The connection over which a
+   * larger one begins to come is closed as soon as its length is known, and Qt reads no more than about this
+   * much ahead of the bus (at least 4 KiB), twice. A message too large to say is "NOT SENT", one too large to
+   * forward "NOT WRITTEN", and a name that would make the list of members too large is refused. All
+   * participants of one bus should have the same.
+   */
+  long long packetSize = 0;
+
+  /** Messages that wait in a participant to be written; Context::Say refuses further ones. */
+  long long queuedMessages = 0;
+
+  /**
+   * Bytes of the packets that wait in a participant, those among them that its connection has not taken yet;
+   * Context::Say refuses what would go beyond.
+   */
+  long long queuedBytes = 0;
+
+  /**
+   * Bytes that wait in a server for one client to read, besides what the system holds for it. A message that
+   * would go beyond is "NOT WRITTEN"; lists of members and results are written all the same, and who has
+   * twice as much waiting is disconnected. While it is set, the server does not wait for a list to be
+   * written, which otherwise stops it for up to 30 s for a client that does not read. At least #packetSize,
+   * or the largest messages never pass.
+   */
+  long long unwrittenBytes = 0;
+
+  /**
+   * Connections to a server of this process, the participant's own among them, admitted or not; further ones
+   * are closed at once.
+   */
+  long long clients = 0;
+};
+
+/**
+ * Sets the limits of every Context that is constructed from now on in this process; a Context keeps those
+ * that it found. Any thread.
+ */
+TAVRIK_COMMON_EXPORT void SetLimits(const Limits& limits);
+
+/** @return The limits as they were set, negative ones as 0. Any thread. */
+TAVRIK_COMMON_EXPORT Limits GetLimits();
+
 /** @return The word of @p error as it travels on the wire; "UNKNOWN" for any value without one. */
 TAVRIK_COMMON_EXPORT QString GetErrorString(Error error);
 
@@ -94,6 +161,7 @@ public:
    * Blocks while it connects (3 s for the election of another process to end, 3 s for a server to accept,
    * 30 s for the participant's own), then until the server has answered, however long that takes, running
    * the event loop meanwhile. A server that has the client name among its members already never answers.
+   * Limits::replyTime, when set, ends that wait.
    * When the process holds the pair of names already, the log says so and the participant never joins.
    *
    * @param contextName Which bus.
@@ -121,7 +189,8 @@ public:
    *
    * @param recipient The client name of the participant it is for.
    * @param data      Any bytes.
-   * @return The id under which Listener::OnResult tells its fate; 1 for the first, and so on.
+   * @return The id under which Listener::OnResult tells its fate; 1 for the first, and so on. -1, and no
+   * result follows, when a limit of the queue refuses it (Limits).
    */
   long long Say(const QString& recipient, const QByteArray& data);
 
