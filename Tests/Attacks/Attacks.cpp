@@ -586,8 +586,7 @@ struct Meeting
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   meeting.Wait(); // until the attacker is ready
   BecomeHost(one.way);
-  dup2(open("/dev/null", O_RDWR | O_CLOEXEC),
-       STDERR_FILENO); // of what the script says nothing is wanted here
+  dup2(open(In("said").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC), STDERR_FILENO);
   setenv("TMPDIR", In("a/t").c_str(), 1);
   bool isSetUp = !attack.inHost || attack.inHost(one);
   std::string text;
@@ -649,7 +648,8 @@ std::string Fault(const Attack& attack, const Try& one, bool isSaved)
   if (!isSaved)
     return runs.empty() ? "" : "a save that was false has run the script";
   if (runs != "x")
-    return "the script has not run once, but " + std::to_string(runs.size()) + " times";
+    return "the script has run " + std::to_string(runs.size()) +
+           " times, not once; it said: " + Read(In("said"));
   struct stat information;
   if (stat(In("evidence/runs").c_str(), &information) != 0 || information.st_uid != (wasRoot ? 0 : getuid()))
     return "the script was not run by root";
@@ -688,7 +688,8 @@ bool SetTheStage()
   for (const char* name : {"a", "a/t", "launchers/prompt"})
     isSet = isSet && chmod(In(name).c_str(), 0777) == 0 &&
             (!wasRoot || chown(In(name).c_str(), nobody, nobody) == 0);
-  return isSet && Write(In("precious"), preciousText, 0644) && Write(In("readable"), preciousText, 0644);
+  return isSet && Write(In("precious"), preciousText, 0644) && Write(In("readable"), preciousText, 0644) &&
+         Write(In("said"), "", 0666);
 }
 
 Saved TryOnce(const Attack& attack, Try one, bool* hadChance)
