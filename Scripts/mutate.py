@@ -129,8 +129,9 @@ class Tree:
     def refresh(self):
         """Copies what has changed, and takes away what is no longer there."""
         wanted = set()
-        for part in ["CMakeLists.txt", "Libs", "Tests", "Packaging", "Resources", "Hosts", "Scripts", "Docs", ".ci"]:
-            start = self.project / part
+        for start in self.project.iterdir():
+            if start.name in ("build", ".git"):
+                continue
             wanted.update([start] if start.is_file() else [path for path in start.rglob("*") if path.is_file()])
         for source in wanted:
             copy = self.root / source.relative_to(self.project)

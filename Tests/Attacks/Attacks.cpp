@@ -742,7 +742,7 @@ Saved TryOnce(const Attack& attack, Try one, bool* hadChance)
   // The script ends on its own; after a false save there is nothing to wait for.
   if (saved.isSaved)
     for (int waited = 0;
-         waited < longestTry && !Exists(In("evidence/runs")) && !Exists(In("evidence/hacked")); ++waited)
+         waited < longestTry && Read(In("evidence/runs")).empty() && !Exists(In("evidence/hacked")); ++waited)
       poll(nullptr, 0, 1);
   if (attacker > 0)
   {
