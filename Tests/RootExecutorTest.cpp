@@ -747,3 +747,23 @@ TEST_P(EveryWay, WhatAsksGetsOfTheEnvironmentOnlyWhatFindsTheUser)
   for (const char* variable : {"LD_", "ENV=", "IFS=", "DISPLAYS", "HOSTS_OWN", "hostile"})
     EXPECT_THAT(environment, Not(HasSubstr(variable)));
 }
+
+TEST_P(EveryWay, ALimitThatTheHostHasSetItselfIsNotTheTools)
+{
+  WriteProgram(tool,
+               "{ ulimit -S -f; ulimit -S -n; ulimit -H -f; ulimit -H -n; } >\"$0.limits\"\nprintf abcd\n");
+  RootExecutor executor(tool, true);
+  for (const auto resource : {RLIMIT_FSIZE, RLIMIT_NOFILE})
+  {
+    rlimit limit;
+    ASSERT_EQ(0, getrlimit(resource, &limit));
+    limit.rlim_cur = resource == RLIMIT_NOFILE ? 50 : 1 << 20;
+    ASSERT_LT(limit.rlim_cur, limit.rlim_max);
+    ASSERT_EQ(0, setrlimit(resource, &limit));
+  }
+  ASSERT_TRUE(executor.Exec("x"));
+  const QList<QByteArray> limits = Report("limits").split('\n');
+  ASSERT_EQ(5, limits.size());
+  EXPECT_EQ(limits.at(2), limits.at(0));
+  EXPECT_EQ(limits.at(3), limits.at(1));
+}

@@ -210,7 +210,7 @@ struct Attack
   std::function<bool(const Try&)> inHostAfter;                // in the host, before it saves
   std::function<void(const Try&, pid_t host, int told)> race; // while it saves, without end
   std::function<QString(const Try&)> path;                    // what is blocked, when it is not the usual
-  const char* refusal = nullptr;                              // what the log must say when the save is false
+  std::vector<const char*> refusals = {}; // one of them is in the log when the save is false
 };
 
 void Tell(int told)
@@ -390,6 +390,7 @@ bool Limit(int resource, rlim_t limit)
 }
 
 const char* const noFile = "Can't open a temporary file: ";
+const char* const noRights = "Can't copy rights: -60005";
 const char* const noStart = ") as root: -60031";
 
 std::vector<Attack> MakeAttacks()
@@ -411,7 +412,7 @@ std::vector<Attack> MakeAttacks()
   add("squat-fifo").before = Place(MakeFifo);
   Attack& folder = add("squat-folder");
   folder.before = Place(MakeFolder);
-  folder.refusal = noFile;
+  folder.refusals = {noFile};
 
   // It is changed before the save.
   add("change-bytes").after = Place(MakeHostileFile);
@@ -421,7 +422,7 @@ std::vector<Attack> MakeAttacks()
   add("change-fifo").after = Place(MakeFifo);
   Attack& changed = add("change-folder");
   changed.after = Place(MakeFolder);
-  changed.refusal = noFile;
+  changed.refusals = {noFile};
   add("change-mode").after =
       PlaceAsRoot([](const std::string& path) { return Write(path, GenuineScript(), 0777); });
   add("replace-folder").after = [](const Try& one)
@@ -433,7 +434,7 @@ std::vector<Attack> MakeAttacks()
     Attack& attack = add(name);
     attack.chance = Chance::SeenByScript;
     attack.race = act;
-    attack.refusal = noFile;
+    attack.refusals = {noFile};
   };
   race("race-rename", [](const Try& one, pid_t, int) { RaceWith(one, MakeHostileFile); });
   race("race-link", [](const Try& one, pid_t, int) { RaceWith(one, MakeLinkToHostile); });
@@ -450,7 +451,7 @@ std::vector<Attack> MakeAttacks()
          [act](const Try&, pid_t host, int told) { act(host, told); });
     attacks.back().ways = Ways::AskedOnly;
     attacks.back().chance = Chance::Told;
-    attacks.back().refusal = noStart;
+    attacks.back().refusals = {noStart};
   }
 
   // The host's environment.
@@ -497,17 +498,17 @@ std::vector<Attack> MakeAttacks()
   Attack& descriptors = add("few-descriptors");
   descriptors.inHostAfter = [](const Try& one)
   { return Limit(RLIMIT_NOFILE, 3 + static_cast<rlim_t>(one.number / 2 % 24)); };
-  descriptors.refusal = "";
+  descriptors.refusals = {noRights, noStart, noFile};
   Attack& size = add("small-files");
   size.inHostAfter = [](const Try& one)
   {
     return signal(SIGXFSZ, SIG_IGN) != SIG_ERR &&
            Limit(RLIMIT_FSIZE, static_cast<rlim_t>(one.number / 2 * 8));
   };
-  size.refusal = noStart;
+  size.refusals = {noStart};
   Attack& processes = add("few-processes");
   processes.inHostAfter = [](const Try&) { return Limit(RLIMIT_NPROC, 1); };
-  processes.refusal = "Can't copy rights: -60005";
+  processes.refusals = {noRights, noStart};
   add("program-name").inHost = [](const Try&)
   {
     // The host's own command line, where it lies.
@@ -531,7 +532,7 @@ std::vector<Attack> MakeAttacks()
   argue("argument-glob", "/*?[a-z]~ {a,b} $HOME $((1))");
   argue("argument-bad-text", QString(QChar(0xd800)) + QChar(0xfffe) + QString::fromUtf8("\xff\xfe\xc0\x80"));
   argue("argument-longest", QString(131071, 'x'));
-  argue("argument-1-MiB", QString(1 << 20, 'x')).refusal = noStart;
+  argue("argument-1-MiB", QString(1 << 20, 'x')).refusals = {noStart};
 
   // The temporary folder.
   Attack& link = add("tmpdir-link");
@@ -540,7 +541,7 @@ std::vector<Attack> MakeAttacks()
   { return AsAttacker([] { return symlink(In("private").c_str(), In("a/link").c_str()) == 0; }); };
   Attack& missing = add("tmpdir-missing");
   missing.inHost = [](const Try&) { return setenv("TMPDIR", In("nowhere").c_str(), 1) == 0; };
-  missing.refusal = noFile;
+  missing.refusals = {noFile};
   return attacks;
 }
 
@@ -773,7 +774,8 @@ void Judge(const Attack& attack, const Try& one, const Saved& saved, bool hadCha
   }
   std::string fault = Fault(attack, one, saved.isSaved);
   const bool isReported =
-      attack.refusal && !saved.log.empty() && saved.log.find(attack.refusal) != std::string::npos;
+      std::any_of(attack.refusals.begin(), attack.refusals.end(),
+                  [&](const char* refusal) { return saved.log.find(refusal) != std::string::npos; });
   if (fault.empty() && !saved.isSaved && !isReported)
     fault = "nothing was saved, and the log says: " + saved.log;
   if (!fault.empty())

@@ -20,6 +20,7 @@
 #include <poll.h>
 #include <string>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -49,6 +50,8 @@ const char* const rootShell = "if (: 2>>\"$2\") 2>/dev/null\n"
                               "else exec 2>/dev/null\n"
                               "fi\n"
                               "trap '' HUP INT QUIT\n"
+                              "ulimit -S -f \"$(ulimit -H -f)\" 2>/dev/null\n"
+                              "ulimit -S -n \"$(ulimit -H -n)\" 2>/dev/null\n"
                               "printf y\n"
                               "while IFS= read -r request\n"
                               "do ( ( . \"/proc/$1/fd/$request\" ) & )\n"
@@ -133,6 +136,19 @@ struct Program
   int script = -1; // kept open under its number
 };
 
+// A limit that the host has set itself must not stop a tool of root's halfway.
+void LiftLimits()
+{
+  for (const auto resource : {RLIMIT_FSIZE, RLIMIT_NOFILE})
+  {
+    rlimit limit;
+    if (getrlimit(resource, &limit) != 0)
+      continue;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(resource, &limit);
+  }
+}
+
 // From here to exec only what a child of a process with threads may call.
 [[noreturn]] void BecomeProgram(const Program& program, int report)
 {
@@ -151,6 +167,8 @@ struct Program
       fcntl(number, F_SETFD, FD_CLOEXEC);
   if (program.script >= 0)
     fcntl(program.script, F_SETFD, 0);
+  if (program.environment == rootEnvironment)
+    LiftLimits();
 
   // A program without a standard error would write it into the first file that it opens.
   if (fcntl(STDERR_FILENO, F_GETFD) >= 0 || open("/dev/null", O_RDWR) == STDERR_FILENO)
