@@ -71,8 +71,8 @@ public:
   }
 
   /**
-   * From now on the tool is a shell script that holds @p script. Linux runs these bytes under the tool's name,
-   * so that whoever may write to its file cannot change what root runs.
+   * From now on the tool is a shell script that holds @p script. Linux runs these bytes under the tool's
+   * name, so that whoever may write to its file cannot change what root runs.
    */
   TAVRIK_COMMON_NO_EXPORT void SetScript(const QByteArray& script);
 
