@@ -1004,6 +1004,34 @@ TEST_F(FirewallTest, BeforeARunTheScriptIsWrittenAnewUnlessItIsWhatWasWritten)
   EXPECT_FALSE(QFile::exists(Path("hacked")));
 }
 
+TEST_F(FirewallTest, WhatTakesTheScriptsPlaceWhileTheUserIsAskedIsNotRun)
+{
+  BecomeUser();
+  WriteProgram(Path("launchers/sudo"), "echo 'touch \"" + Path("hacked").toUtf8() + "\"' >'" +
+                                           ScriptPath().toUtf8() + "'\nshift\nexec \"$@\"\n");
+  Firewall firewall(nullptr);
+  firewall.SetEnabled(true);
+  ASSERT_TRUE(firewall.Save());
+  EXPECT_EQ("on", TakeArguments().front());
+  EXPECT_EQ(script, ReadText(ScriptPath()));
+  EXPECT_FALSE(QFile::exists(Path("hacked")));
+}
+
+TEST_F(FirewallTest, WhatTakesTheScriptsPlaceAfterTheLastLookIsNotRun)
+{
+  BecomeUser();
+  // The root shell stands where the look is over and the start is next: it is asked to start something.
+  WriteProgram(Path("launchers/sudo"), "printf y\nread -r request\necho 'touch \"" + Path("hacked").toUtf8() +
+                                           "\"' >'" + ScriptPath().toUtf8() +
+                                           "'\n. \"/proc/$PPID/fd/$request\"\n");
+  Firewall firewall(nullptr);
+  firewall.SetEnabled(true);
+  ASSERT_TRUE(firewall.Save());
+  EXPECT_EQ("on", TakeArguments().front());
+  EXPECT_NE(script, ReadText(ScriptPath()));
+  EXPECT_FALSE(QFile::exists(Path("hacked")));
+}
+
 TEST_F(FirewallTest, WhenTheScriptCannotBeWrittenAnewNothingIsRun)
 {
   Firewall firewall(nullptr);

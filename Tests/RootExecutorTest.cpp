@@ -293,7 +293,7 @@ TEST_P(EveryWay, TheStreamIsTheToolsInputAndOutput)
   char listen[] = "listen";
   char* arguments[] = {listen, nullptr};
   std::FILE* stream = nullptr;
-  ASSERT_EQ(0, Platform::StartPrivileged(session, path.constData(), arguments, &stream));
+  ASSERT_EQ(0, Platform::StartPrivileged(session, path.constData(), nullptr, arguments, &stream));
   qint32 pid = 0;
   ASSERT_EQ(1u, std::fread(&pid, sizeof(pid), 1, stream));
   std::fputs("said to the tool\n", stream);
@@ -650,4 +650,120 @@ TEST_P(EveryWay, WithoutDescriptorsNothingStartsAndNothingBreaks)
   EXPECT_TRUE(another.Exec("x"));
   EXPECT_GT(another.GetPid(), 0);
   WaitForTools();
+}
+
+TEST_P(EveryWay, AScriptIsRunAsItWasGivenUnderTheToolsName)
+{
+  const QByteArray given = ReadText(tool);
+  WriteProgram(tool, "touch \"$0.hacked\"\n");
+  for (const QByteArray& script :
+       {given, given.mid(given.indexOf('\n') + 1), QByteArray("#!  /bin/sh  -u \n") + given})
+  {
+    RootExecutor executor(tool, true);
+    executor.SetScript(script);
+    ASSERT_TRUE(executor.Exec("it's", "", "-c"));
+    EXPECT_GT(executor.GetPid(), 0);
+    EXPECT_THAT(ToStrings(WaitForArguments()), ElementsAre("it's", "", "-c"));
+    ASSERT_TRUE(QFile::remove(tool + ".arguments"));
+  }
+  EXPECT_FALSE(QFile::exists(tool + ".hacked"));
+  WaitForTools();
+}
+
+TEST_P(EveryWay, AScriptForAShellThatIsNotThereIsAFailedStart)
+{
+  RootExecutor executor(tool, false);
+  executor.SetScript("#!/nowhere/sh\n");
+  EXPECT_FALSE(executor.Exec("x"));
+}
+
+TEST_P(EveryWay, AToolHasAStandardErrorThoughTheHostHasNone)
+{
+  const int saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 10);
+  close(STDERR_FILENO);
+  RootExecutor executor(tool, true);
+  const bool isStarted = executor.Exec("x");
+  dup2(saved, STDERR_FILENO);
+  EXPECT_TRUE(isStarted);
+  EXPECT_THAT(Report("descriptors").toStdString(), HasSubstr(" 2 -> /dev/null"));
+}
+
+TEST_P(EveryWay, AFileThatTheHostMayOnlyReadIsNotWrittenToAsItsStandardError)
+{
+  const QByteArray precious = QFile::encodeName(folder + "/precious");
+  WriteText(folder + "/precious", "precious");
+  WriteProgram(tool, "echo 'root::0:0' >&2\nprintf abcd\n");
+  const int saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 10);
+  const int opened = open(precious.constData(), O_RDONLY | O_CLOEXEC);
+  dup2(opened, STDERR_FILENO);
+  RootExecutor executor(tool, true);
+  const bool isStarted = executor.Exec("x");
+  dup2(saved, STDERR_FILENO);
+  EXPECT_TRUE(isStarted);
+  EXPECT_EQ("precious", ReadText(folder + "/precious"));
+}
+
+TEST_F(RootExecutorTest, WhatTheRootShellReadsCanBeWrittenToByNobody)
+{
+  WriteProgram(Launcher("sudo"), "printf y\n"
+                                 "read -r request\n"
+                                 "(echo changed >\"/proc/$PPID/fd/$request\") 2>/dev/null\n"
+                                 "cat \"/proc/$PPID/fd/$request\" >\"$0.read\"\n"
+                                 "printf n\n");
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  EXPECT_FALSE(executor.Exec("x"));
+  EXPECT_THAT(ReadText(Launcher("sudo") + ".read").toStdString(), HasSubstr("printf y"));
+  EXPECT_THAT(ReadText(Launcher("sudo") + ".read").toStdString(), Not(HasSubstr("changed")));
+}
+
+TEST_F(RootExecutorTest, WhatALostRootShellMayStillReadStaysWhatItWas)
+{
+  WriteProgram(Launcher("sudo"), "printf y\nread -r request\necho \"$request\" >\"$0.request\"\n");
+  BecomeUser();
+  RootExecutor executor(tool, false);
+  EXPECT_FALSE(executor.Exec("x"));
+  const QByteArray link = "/proc/self/fd/" + ReadText(Launcher("sudo") + ".request").trimmed();
+  char target[64] = {};
+  ASSERT_GT(readlink(link.constData(), target, sizeof(target) - 1), 0) << link.constData();
+  EXPECT_THAT(target, HasSubstr("memfd:request"));
+}
+
+TEST_P(EveryWay, WhatAsksGetsOfTheEnvironmentOnlyWhatFindsTheUser)
+{
+  if (GetParam() == Way::Direct)
+    GTEST_SKIP() << "Nobody is asked";
+  const char* const name = GetParam() == Way::Pkexec ? "pkexec" : "sudo";
+  WriteProgram(Launcher(name), "env >\"$0.environment\"\nshift\nexec \"$@\"\n");
+  for (const char* variable : {"LD_PRELOAD", "LD_AUDIT", "ENV", "BASH_ENV", "IFS", "DISPLAYS", "HOSTS_OWN"})
+    setenv(variable, "", 1);
+  setenv("DISPLAY", ":7", 1);
+  setenv("PATH", "/hostile", 1);
+  EXPECT_TRUE(RootExecutor(tool, false).Authorize());
+  const std::string environment = ReadText(Launcher(name) + ".environment").toStdString();
+  EXPECT_THAT(environment, HasSubstr("DISPLAY=:7\n"));
+  EXPECT_THAT(environment, HasSubstr("LC_ALL=C\n"));
+  EXPECT_THAT(environment, HasSubstr("PATH=/usr/sbin:/usr/bin:/sbin:/bin\n"));
+  for (const char* variable : {"LD_", "ENV=", "IFS=", "DISPLAYS", "HOSTS_OWN", "hostile"})
+    EXPECT_THAT(environment, Not(HasSubstr(variable)));
+}
+
+TEST_P(EveryWay, ALimitThatTheHostHasSetItselfIsNotTheTools)
+{
+  WriteProgram(tool,
+               "{ ulimit -S -f; ulimit -S -n; ulimit -H -f; ulimit -H -n; } >\"$0.limits\"\nprintf abcd\n");
+  RootExecutor executor(tool, true);
+  for (const auto resource : {RLIMIT_FSIZE, RLIMIT_NOFILE})
+  {
+    rlimit limit;
+    ASSERT_EQ(0, getrlimit(resource, &limit));
+    limit.rlim_cur = resource == RLIMIT_NOFILE ? 50 : 1 << 20;
+    ASSERT_LT(limit.rlim_cur, limit.rlim_max);
+    ASSERT_EQ(0, setrlimit(resource, &limit));
+  }
+  ASSERT_TRUE(executor.Exec("x"));
+  const QList<QByteArray> limits = Report("limits").split('\n');
+  ASSERT_EQ(5, limits.size());
+  EXPECT_EQ(limits.at(2), limits.at(0));
+  EXPECT_EQ(limits.at(3), limits.at(1));
 }

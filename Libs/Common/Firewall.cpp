@@ -228,7 +228,8 @@ bool IsOurScript(const QByteArray& name, const QByteArray& content)
       information.st_size != content.size())
     return false;
   QFile reader;
-  return reader.open(file.Get(), QIODevice::ReadOnly | QIODevice::Unbuffered) && reader.readAll() == content;
+  return reader.open(file.Get(), QIODevice::ReadOnly | QIODevice::Unbuffered) &&
+         reader.read(content.size() + 1) == content;
 }
 
 bool Exists(const QByteArray& name)
@@ -327,8 +328,10 @@ void Firewall::Impl::UpdateScript()
     return;
   }
   scriptFile.setFileName(folder + QLatin1Char('/') + name);
-  if (WriteScriptFile())
-    executor = std::make_unique<Details::RootExecutor>(scriptFile.fileName(), false);
+  if (!WriteScriptFile())
+    return;
+  executor = std::make_unique<Details::RootExecutor>(scriptFile.fileName(), false);
+  executor->SetScript(script);
 }
 
 bool Firewall::Impl::WriteScriptFile()
@@ -409,7 +412,8 @@ bool Firewall::Impl::Save()
     LOG(ERROR) << "Can't execute the firewall script";
     return false;
   }
-  if (!IsOurScript(ScriptName(), script) && !WriteScriptFile())
+  // Asking takes as long as the user does, so the file is looked at afterwards.
+  if (!executor->Authorize() || (!IsOurScript(ScriptName(), script) && !WriteScriptFile()))
     return false;
 
   const Changes changes = CollectChanges(current);

@@ -6,6 +6,8 @@
 #include <glog/logging.h>
 
 #include <cstdio>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace Tavrik::Cleaner::Details
@@ -23,6 +25,7 @@ public:
   bool Authorize();
   bool Exec(const QStringList& arguments);
 
+  void SetScript(const QByteArray& content) { script = content.toStdString(); }
   bool IsAuthorized() const { return authorized; }
   qint32 GetPid() const { return pid; }
 
@@ -34,6 +37,7 @@ private:
   bool authorized = false;
   qint32 pid = -1;
   const bool readPid;
+  std::optional<std::string> script;
 };
 
 namespace
@@ -101,8 +105,8 @@ bool RootExecutor::Impl::Exec(const QStringList& arguments)
   const std::vector<char*> vector = ToVector(&texts);
 
   std::FILE* stream = nullptr;
-  const std::int32_t status =
-      Platform::StartPrivileged(authorization, toolPath.constData(), vector.data(), &stream);
+  const std::int32_t status = Platform::StartPrivileged(authorization, toolPath.constData(),
+                                                        script ? &*script : nullptr, vector.data(), &stream);
   if (status != 0)
   {
     pid = -1;
@@ -141,6 +145,11 @@ bool RootExecutor::Authorize()
 bool RootExecutor::Exec(const QStringList& arguments)
 {
   return impl->Exec(arguments);
+}
+
+void RootExecutor::SetScript(const QByteArray& script)
+{
+  impl->SetScript(script);
 }
 
 qint32 RootExecutor::GetPid() const

@@ -2,6 +2,7 @@
 
 #include <Common/Export.h>
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -68,6 +69,12 @@ public:
     QStringList list;
     return Exec(static_cast<const QStringList&>(JoinArguments(list, arguments...)));
   }
+
+  /**
+   * From now on the tool is a shell script that holds @p script. Linux runs these bytes under the tool's
+   * name, so that whoever may write to its file cannot change what root runs.
+   */
+  TAVRIK_COMMON_NO_EXPORT void SetScript(const QByteArray& script);
 
   /**
    * @return The process id that the last started tool reported. -1 before any start, after a failed one and

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <string>
 
 /**
  * @file
@@ -41,11 +42,15 @@ std::int32_t AskForPrivilege(PrivilegedSession* session, const char* toolPath, s
  * Starts a tool as root, and does not wait for its end.
  *
  * @param session   One whose right has been granted.
+ * @param script    Null for a tool that is started by its path. Otherwise the tool is a shell script that the
+ *                  user may write to, and this is what it holds: on Linux these bytes are run under the
+ *                  tool's name, whatever its file has become; macOS has no means to start anything but a
+ * file.
  * @param arguments What follows the tool's own name, unchanged; ends in a null pointer.
  * @param stream    Receives the stream to the tool's standard input and from its standard output. It is not
  *                  the caller's to close, and may be used until the session's next call.
  */
-std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, char* const* arguments,
-                             std::FILE** stream);
+std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, const std::string* script,
+                             char* const* arguments, std::FILE** stream);
 
 } // namespace Tavrik::Platform

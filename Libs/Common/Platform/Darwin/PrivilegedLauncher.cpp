@@ -40,8 +40,8 @@ std::int32_t AskForPrivilege(PrivilegedSession* session, const char* toolPath, s
                                  nullptr);
 }
 
-std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, char* const* arguments,
-                             std::FILE** stream)
+std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, const std::string*,
+                             char* const* arguments, std::FILE** stream)
 {
   return AuthorizationExecuteWithPrivileges(session->authorization, toolPath, kAuthorizationFlagDefaults,
                                             arguments, stream);

@@ -1,7 +1,8 @@
 // A process that is root starts tools itself. Any other asks once, through pkexec or sudo, for a root shell
 // that lives as long as the session, and has that shell start the tools: both would ask again for every tool
 // otherwise, pkexec by its default policy, sudo when its ticket has run out. The shell reads from a socket
-// the number of a descriptor of this process, and runs what it reads from there.
+// the number of a descriptor of this process, and runs what it reads from there. Other processes of the user
+// can open that descriptor too, so what lies behind it is sealed before it is named.
 
 #include <Common/Platform/PrivilegedLauncher.h>
 
@@ -13,11 +14,13 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <poll.h>
 #include <string>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -42,11 +45,13 @@ const int farewellStep = 10;          // ms
 const std::size_t longestNote = 4096; // bytes kept of what a launcher says
 
 // The launcher's output is closed by it and by nobody else, so standard error of the host is opened anew.
-const char* const rootShell = "if (: 2>>\"/proc/$1/fd/2\") 2>/dev/null\n"
-                              "then exec 2>>\"/proc/$1/fd/2\"\n"
+const char* const rootShell = "if (: 2>>\"$2\") 2>/dev/null\n"
+                              "then exec 2>>\"$2\"\n"
                               "else exec 2>/dev/null\n"
                               "fi\n"
                               "trap '' HUP INT QUIT\n"
+                              "ulimit -S -f \"$(ulimit -H -f)\" 2>/dev/null\n"
+                              "ulimit -S -n \"$(ulimit -H -n)\" 2>/dev/null\n"
                               "printf y\n"
                               "while IFS= read -r request\n"
                               "do ( ( . \"/proc/$1/fd/$request\" ) & )\n"
@@ -127,8 +132,22 @@ struct Program
   const char* const* environment;
   int input;
   int output;
-  int error; // -1: this process's own
+  int error;       // -1: this process's own
+  int script = -1; // kept open under its number
 };
+
+// A limit that the host has set itself must not stop a tool of root's halfway.
+void LiftLimits()
+{
+  for (const auto resource : {RLIMIT_FSIZE, RLIMIT_NOFILE})
+  {
+    rlimit limit;
+    if (getrlimit(resource, &limit) != 0)
+      continue;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(resource, &limit);
+  }
+}
 
 // From here to exec only what a child of a process with threads may call.
 [[noreturn]] void BecomeProgram(const Program& program, int report)
@@ -146,9 +165,15 @@ struct Program
   if (close_range(STDERR_FILENO + 1, ~0u, CLOSE_RANGE_CLOEXEC) != 0)
     for (int number = STDERR_FILENO + 1; number < FD_SETSIZE; ++number)
       fcntl(number, F_SETFD, FD_CLOEXEC);
+  if (program.script >= 0)
+    fcntl(program.script, F_SETFD, 0);
+  if (program.environment == rootEnvironment)
+    LiftLimits();
 
-  execve(program.arguments[0], const_cast<char**>(program.arguments.data()),
-         const_cast<char**>(program.environment));
+  // A program without a standard error would write it into the first file that it opens.
+  if (fcntl(STDERR_FILENO, F_GETFD) >= 0 || open("/dev/null", O_RDWR) == STDERR_FILENO)
+    execve(program.arguments[0], const_cast<char**>(program.arguments.data()),
+           const_cast<char**>(program.environment));
   const int reason = errno;
   (void)!write(report, &reason, sizeof(reason));
   _exit(EXIT_FAILURE);
@@ -370,15 +395,42 @@ bool WaitForShell(int control, int error, Errors errors, std::string* note)
   return Retry([&] { return read(control, &said, 1); }) == 1 && said == 'y';
 }
 
-// What the launchers say is looked at, so they say it in one language.
+// What the launchers say is looked at, so they say it in one language. Else they get what finds the user's
+// screen, agent and terminal, and nothing that could change what they start.
 std::vector<const char*> LauncherEnvironment()
 {
-  std::vector<const char*> environment = {"LC_ALL=C"};
-  for (char** variable = environ; *variable; ++variable)
-    if (std::strncmp(*variable, "LC_ALL=", 7) != 0)
+  const char* const kept[] = {"DBUS_SESSION_BUS_ADDRESS",
+                              "DISPLAY",
+                              "HOME",
+                              "LOGNAME",
+                              "SSH_AUTH_SOCK",
+                              "SUDO_ASKPASS",
+                              "TERM",
+                              "USER",
+                              "WAYLAND_DISPLAY",
+                              "XAUTHORITY",
+                              "XDG_RUNTIME_DIR",
+                              "XDG_SESSION_ID"};
+  std::vector<const char*> environment = {"LC_ALL=C", rootPath};
+  for (char** variable = environ; variable && *variable; ++variable)
+    if (std::any_of(std::begin(kept), std::end(kept),
+                    [&](const char* name)
+                    {
+                      const std::size_t length = std::strlen(name);
+                      return std::strncmp(*variable, name, length) == 0 && (*variable)[length] == '=';
+                    }))
       environment.push_back(*variable);
   environment.push_back(nullptr);
   return environment;
+}
+
+// Root opens it anew, for writing: nothing that the host itself may only read.
+std::string ErrorsOfHost()
+{
+  const int flags = fcntl(STDERR_FILENO, F_GETFL);
+  const int access = flags & O_ACCMODE;
+  const bool isWritable = flags >= 0 && (flags & O_PATH) == 0 && (access == O_WRONLY || access == O_RDWR);
+  return isWritable ? "/proc/" + std::to_string(getpid()) + "/fd/2" : "/dev/null";
 }
 
 Answer AskThrough(const std::vector<const char*>& launcher, Errors errors, PrivilegedSession* session)
@@ -392,10 +444,11 @@ Answer AskThrough(const std::vector<const char*>& launcher, Errors errors, Privi
     return answer;
 
   const std::string pid = std::to_string(getpid());
+  const std::string errorsOfHost = ErrorsOfHost();
   const std::vector<const char*> environment = LauncherEnvironment();
   Program program = {launcher, environment.data(), shellControl.Get(), shellControl.Get(), shellError.Get()};
   for (const char* argument : {"/usr/bin/env", "-i", rootPath, rootHome, "/bin/sh", "-c", rootShell, "sh",
-                               pid.c_str(), static_cast<const char*>(nullptr)})
+                               pid.c_str(), errorsOfHost.c_str(), static_cast<const char*>(nullptr)})
     program.arguments.push_back(argument);
 
   pid_t shell = -1;
@@ -498,15 +551,76 @@ std::int32_t AskForShell(PrivilegedSession* session)
 /// @name Starting
 /// @{
 
-std::int32_t StartAsRoot(PrivilegedSession* session, const char* toolPath, char* const* arguments,
-                         std::FILE** stream)
+// A file of a process that nobody can write to any more, although others of the user can open it.
+Descriptor MakeSealedFile(const std::string& content)
+{
+  Descriptor file(memfd_create("request", MFD_CLOEXEC | MFD_ALLOW_SEALING));
+  std::size_t written = 0;
+  while (file && written < content.size())
+  {
+    const ssize_t size =
+        Retry([&] { return write(file.Get(), content.data() + written, content.size() - written); });
+    if (size <= 0)
+      return {};
+    written += static_cast<std::size_t>(size);
+  }
+  if (!file || fcntl(file.Get(), F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_GROW | F_SEAL_SHRINK | F_SEAL_SEAL) != 0)
+    return {};
+
+  // Somebody may have written before the seal.
+  std::string sealed(content.size() + 1, '\0');
+  const ssize_t size = Retry([&] { return pread(file.Get(), sealed.data(), sealed.size(), 0); });
+  sealed.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+  return sealed == content ? std::move(file) : Descriptor();
+}
+
+// The shell that a script's first line names, with what stands behind it, as the kernel takes it.
+std::vector<std::string> ShellOf(const std::string& script)
+{
+  const std::string blanks = " \t";
+  const std::string line = script.substr(0, script.find('\n'));
+  const std::size_t begin = line.find_first_not_of(blanks, 2);
+  if (line.compare(0, 2, "#!") != 0 || begin == std::string::npos)
+    return {"/bin/sh"};
+  const std::size_t end = std::min(line.find_first_of(blanks, begin), line.size());
+  std::vector<std::string> shell = {line.substr(begin, end - begin)};
+  const std::size_t option = line.find_first_not_of(blanks, end);
+  if (option != std::string::npos)
+    shell.push_back(line.substr(option, line.find_last_not_of(blanks) + 1 - option));
+  return shell;
+}
+
+// What runs the script behind the descriptor under the tool's name.
+std::vector<std::string> ScriptCommand(const std::string& script, int descriptor, const char* toolPath)
+{
+  std::vector<std::string> command = ShellOf(script);
+  for (const std::string& word :
+       {std::string("-c"), ". /proc/self/fd/" + std::to_string(descriptor), std::string(toolPath)})
+    command.push_back(word);
+  return command;
+}
+
+std::int32_t StartAsRoot(PrivilegedSession* session, const char* toolPath, const std::string* script,
+                         char* const* arguments, std::FILE** stream)
 {
   Descriptor ours;
   Descriptor theirs;
   if (!MakeSocketPair(&ours, &theirs))
     return privilegedStartFailed;
 
-  Program program = {{toolPath}, rootEnvironment, theirs.Get(), theirs.Get(), -1};
+  Program program = {{}, rootEnvironment, theirs.Get(), theirs.Get(), -1};
+  Descriptor content;
+  std::vector<std::string> command = {toolPath};
+  if (script)
+  {
+    content = MakeSealedFile(*script);
+    if (!content)
+      return privilegedStartFailed;
+    program.script = content.Get();
+    command = ScriptCommand(*script, content.Get(), toolPath);
+  }
+  for (const std::string& word : command)
+    program.arguments.push_back(word.c_str());
   for (; *arguments; ++arguments)
     program.arguments.push_back(*arguments);
   program.arguments.push_back(nullptr);
@@ -558,37 +672,28 @@ std::string OwnDescriptor(const Descriptor& descriptor)
   return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor.Get());
 }
 
-std::string MakeRequest(const char* toolPath, char* const* arguments, const Descriptor& input,
-                        const Descriptor& output)
+// What the root shell reads to start a tool: a script from its descriptor, any other from its path.
+std::string MakeRequest(const char* toolPath, const std::string* script, const Descriptor& content,
+                        char* const* arguments, const Descriptor& input, const Descriptor& output)
 {
-  const std::string tool = Quoted(AbsolutePath(toolPath));
+  const int scriptNumber = 9; // the highest that every shell takes in a redirection
+  const std::string path = AbsolutePath(toolPath);
+  const std::vector<std::string> command =
+      script ? ScriptCommand(*script, scriptNumber, path.c_str()) : std::vector<std::string>{path};
+  const std::string program = Quoted(command.front());
   std::string request = "trap - HUP INT QUIT\n"
                         "exec 3>&1 <" +
-                        OwnDescriptor(input) + " >" + OwnDescriptor(output) +
-                        " || exit\n"
-                        "if [ -f " +
-                        tool + " ] && [ -x " + tool +
-                        " ]\n"
-                        "then printf y >&3; exec 3>&- " +
-                        tool;
+                        OwnDescriptor(input) + " >" + OwnDescriptor(output) + " || exit\n";
+  if (script)
+    request += "exec " + std::to_string(scriptNumber) + "<" + OwnDescriptor(content) + " || exit\n";
+  request += "if [ -f " + program + " ] && [ -x " + program +
+             " ]\n"
+             "then printf y >&3; exec 3>&-";
+  for (const std::string& word : command)
+    request += " " + Quoted(word);
   for (; *arguments; ++arguments)
     request += " " + Quoted(*arguments);
   return request + "\nfi\nprintf n >&3\n";
-}
-
-Descriptor MakeFile(const std::string& content)
-{
-  Descriptor file(memfd_create("request", MFD_CLOEXEC));
-  std::size_t written = 0;
-  while (file && written < content.size())
-  {
-    const ssize_t size =
-        Retry([&] { return write(file.Get(), content.data() + written, content.size() - written); });
-    if (size <= 0)
-      return {};
-    written += static_cast<std::size_t>(size);
-  }
-  return file;
 }
 
 bool IsBroken(const Descriptor& control)
@@ -610,8 +715,8 @@ char SendRequest(const Descriptor& control, const Descriptor& request)
   return answer;
 }
 
-std::int32_t StartThroughShell(PrivilegedSession* session, const char* toolPath, char* const* arguments,
-                               std::FILE** stream)
+std::int32_t StartThroughShell(PrivilegedSession* session, const char* toolPath, const std::string* script,
+                               char* const* arguments, std::FILE** stream)
 {
   if (IsTooLong(toolPath, arguments))
     return privilegedStartFailed;
@@ -628,13 +733,23 @@ std::int32_t StartThroughShell(PrivilegedSession* session, const char* toolPath,
   const auto ours = std::make_shared<PipeEnds>();
   if (!MakePipe(&toolInput, &ours->output) || !MakePipe(&ours->input, &toolOutput))
     return privilegedStartFailed;
-  const Descriptor request = MakeFile(MakeRequest(toolPath, arguments, toolInput, toolOutput));
+  Descriptor content;
+  if (script)
+    content = MakeSealedFile(*script);
+  Descriptor request;
+  if (content || !script)
+    request = MakeSealedFile(MakeRequest(toolPath, script, content, arguments, toolInput, toolOutput));
   if (!request)
     return privilegedStartFailed;
 
   const char answer = SendRequest(session->control, request);
   if (answer == 0)
+  {
     DismissShell(session);
+    // A root shell that is merely slow opens them by their numbers, which must never be another file's.
+    for (Descriptor* descriptor : {&request, &content, &toolInput, &toolOutput})
+      descriptor->Release();
+  }
   if (answer != 'y')
     return privilegedStartFailed;
   session->streams.push_back(OpenStream(ours));
@@ -670,13 +785,13 @@ std::int32_t AskForPrivilege(PrivilegedSession* session, const char*, std::size_
   return IsRoot() ? 0 : AskForShell(session);
 }
 
-std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, char* const* arguments,
-                             std::FILE** stream)
+std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, const std::string* script,
+                             char* const* arguments, std::FILE** stream)
 {
   CloseFinished(&session->streams);
   GetLeftovers().Tidy();
-  return IsRoot() ? StartAsRoot(session, toolPath, arguments, stream)
-                  : StartThroughShell(session, toolPath, arguments, stream);
+  return IsRoot() ? StartAsRoot(session, toolPath, script, arguments, stream)
+                  : StartThroughShell(session, toolPath, script, arguments, stream);
 }
 
 } // namespace Tavrik::Platform
