@@ -1,0 +1,11 @@
+// Linked into every target: the library's log goes to the sinks alone.
+
+#include <glog/logging.h>
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+  for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity)
+    google::SetLogDestination(severity, "");
+  FLAGS_stderrthreshold = google::NUM_SEVERITIES;
+  return 0;
+}
