@@ -25,7 +25,7 @@ enum Kind
   HangUp,
   Tick,
   Say,
-  Pause,
+  Idle,
   Leave, // the server, with its file
   Return,
   Receive
@@ -169,7 +169,7 @@ struct Play
     if (step.kind % 8 == Say)
       SayTo(step.argument % 2 == 0 ? "own" : "hostile", step.bytes);
     else
-      FakeTime::Pass(step.kind % 8 == Pause ? step.argument * 100 : 20);
+      FakeTime::Pass(step.kind % 8 == Idle ? step.argument * 100 : 20);
     QCoreApplication::processEvents();
   }
 

@@ -27,7 +27,7 @@ enum Kind
   Serve, // one tick of the server, and what the event loop has
   HonestlySay,
   OwnSay,
-  Pause,
+  Idle,
   Receive,
   EndSending
 };
@@ -140,7 +140,8 @@ public:
     Require(own->server != nullptr, "who finds nobody serves");
     anna.emplace(context, "A");
     ben.emplace(context, "B");
-    RunServer();
+    for (int ticks = 0; ticks < 10 && own->clients.size() < 3; ++ticks)
+      RunServer();
     Require(own->clients.size() == 3, "who keeps to the protocol is admitted");
     steps = script;
   }
@@ -223,7 +224,7 @@ private:
 
   void ActForTheServer(const Script::Step& step)
   {
-    if (step.kind % 8 == Pause)
+    if (step.kind % 8 == Idle)
       FakeTime::Pass(step.argument * 100);
     if (step.kind % 8 == OwnSay)
     {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <dlfcn.h>
 #include <poll.h>
+#include <sys/time.h>
 #include <time.h>
 #include <utility>
 
@@ -69,6 +70,8 @@ void FakeTime::Pass(long long milliseconds)
   now += milliseconds * 1000000;
 }
 
+// Qt and Boost, which are libraries of their own, find these, too.
+#pragma GCC visibility push(default)
 extern "C" int clock_gettime(clockid_t clock, timespec* time)
 {
   static const auto real = FindReal<int(clockid_t, timespec*)>("clock_gettime");
@@ -89,6 +92,16 @@ extern "C" int nanosleep(const timespec* time, timespec* rest)
   return 0;
 }
 
+// A sleep until a time of this clock is over before it has begun. The fuzzer's own times are not of it.
+extern "C" int gettimeofday(timeval* __restrict time, void* __restrict zone) noexcept
+{
+  static const auto real = FindReal<int(timeval*, void*)>("gettimeofday");
+  const int result = real(time, zone);
+  if (others)
+    time->tv_sec -= 3600;
+  return result;
+}
+
 extern "C" int ppoll(pollfd* descriptors, nfds_t count, const timespec* timeout, const sigset_t* mask)
 {
   if (!others)
@@ -103,3 +116,4 @@ extern "C" int poll(pollfd* descriptors, nfds_t count, int timeout)
     return real(descriptors, count, timeout);
   return Wait(descriptors, count, timeout * 1000000LL);
 }
+#pragma GCC visibility pop

@@ -2,8 +2,9 @@
 
 #include <glog/logging.h>
 
-extern "C" int LLVMFuzzerInitialize(int*, char***)
+extern "C" int LLVMFuzzerInitialize(int*, char*** arguments)
 {
+  google::InitGoogleLogging((*arguments)[0]);
   for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity)
     google::SetLogDestination(severity, "");
   FLAGS_stderrthreshold = google::NUM_SEVERITIES;
