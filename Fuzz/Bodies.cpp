@@ -1,5 +1,5 @@
-// The three bodies: whatever the bytes, they are taken apart as a second parser does, and what is put together
-// from the input's fields comes back.
+// The three bodies: whatever the bytes, they are taken apart as a second parser does, and what is put
+// together from the input's fields comes back.
 
 #include <Common/Bazaar.cpp>
 

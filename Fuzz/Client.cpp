@@ -1,5 +1,5 @@
-// A participant whose server is hostile, over real local sockets. The script is what happens: a step's kind is
-// what is done.
+// A participant whose server is hostile, over real local sockets. The script is what happens: a step's kind
+// is what is done.
 
 #include <Common/Bazaar.cpp>
 
@@ -51,7 +51,8 @@ private:
 struct Play
 {
   Play(const Script::Steps& script, int flags)
-      : steps(script), time([this] { return ActWhileTheClientWaits(); }),
+      : steps(script),
+        time([this] { return ActWhileTheClientWaits(); }),
         door(std::make_unique<Bus::Door>(Wire::ServerName(context))),
         impl(std::make_shared<Context::Impl>(context, QStringLiteral("own"), flags))
   {
@@ -173,10 +174,7 @@ struct Play
     QCoreApplication::processEvents();
   }
 
-  void SayTo(const QByteArray& recipient, const QByteArray& data)
-  {
-    said.insert(impl->Say(recipient, data));
-  }
+  void SayTo(const QByteArray& recipient, const QByteArray& data) { said.insert(impl->Say(recipient, data)); }
 
   void Do(const QByteArray& command)
   {

@@ -1,5 +1,5 @@
-// The disk tool's answers: the first part of the input is its list, the others are what it tells of one device
-// after the other.
+// The disk tool's answers: the first part of the input is its list, the others are what it tells of one
+// device after the other.
 
 #include <Common/DiskList.h>
 #include <Common/FormatText.h>
@@ -36,7 +36,8 @@ std::map<QString, QString> SecondParse(const QString& output)
     const int colon = line.indexOf(':');
     const int next = line.indexOf(':', colon + 1);
     if (colon >= 0)
-      info[line.left(colon).trimmed()] = line.mid(colon + 1, (next < 0 ? line.size() : next) - colon - 1).trimmed();
+      info[line.left(colon).trimmed()] =
+          line.mid(colon + 1, (next < 0 ? line.size() : next) - colon - 1).trimmed();
     begin = end + 1;
   }
   return info;

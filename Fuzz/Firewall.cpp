@@ -1,5 +1,5 @@
-// The firewall tool's answers: the first part of the input is its list, the next four answer for the switches,
-// and the last tells what is edited.
+// The firewall tool's answers: the first part of the input is its list, the next four answer for the
+// switches, and the last tells what is edited.
 
 #include <Common/Firewall.cpp>
 
@@ -37,8 +37,8 @@ QString SecondTrimmed(const QString& text)
   return text.mid(begin, end - begin);
 }
 
-// Blocks of: anything up to an empty line, then the first line that is not empty for the path, the next for its
-// status.
+// Blocks of: anything up to an empty line, then the first line that is not empty for the path, the next for
+// its status.
 Listing SecondParse(const QString& output)
 {
   Listing listing;
@@ -79,10 +79,7 @@ void RequireListing(const Firewall& firewall, const Listing& listing)
 void RequireSwitches(const Firewall& firewall, const QList<QByteArray>& parts)
 {
   const auto says = [&](int part, const char* text)
-  {
-    const QByteArray answer = parts.value(part);
-    return answer.left(answer.indexOf('\0')).contains(text);
-  };
+  { return Outputs::Text(parts.value(part)).indexOf(QLatin1String(text)) >= 0; };
   Require(firewall.IsEnabled() == says(1, "Firewall is enabled"), "the firewall is on when its tool says so");
   Require(firewall.GetBlockAll() == says(2, "Firewall is set to block all"), "and blocks all");
   Require(firewall.GetAllowSigned() == says(3, "ENABLED"), "and allows what is signed");
@@ -147,7 +144,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   bool isToldSaved = false;
-  QObject::connect(&firewall, &Firewall::IsSavedChanged, &firewall, [&](bool isSaved) { isToldSaved = isSaved; });
+  QObject::connect(&firewall, &Firewall::IsSavedChanged, &firewall,
+                   [&](bool isSaved) { isToldSaved = isSaved; });
   const bool wasSaved = firewall.IsSaved();
   firewall.Undo();
   Require(isToldSaved == !wasSaved, "an undo tells of becoming saved, and of nothing else");

@@ -244,8 +244,8 @@ QList<QByteArray> UsableBodies(QIODevice* device, const std::function<bool(Packe
   return bodies;
 }
 
-// Piece by piece, without ever waiting, the intake finds what the reader finds in the whole. Only a last packet
-// that has not come whole does it keep.
+// Piece by piece, without ever waiting, the intake finds what the reader finds in the whole. Only a last
+// packet that has not come whole does it keep.
 void TakeInPieces(const Pieces& pieces)
 {
   Connection whole({pieces.join()});

@@ -94,9 +94,15 @@ void CutTexts(const QString& text)
 
 bool IsListedPrefix(const QString& path)
 {
-  const QStringList prefixes = {"/Users",          "/Library/Logs",         "/System/Library/Logs",
-                                "/Library/Caches", "/System/Library/Caches", "/Library/LaunchAgents",
-                                "/Library/LaunchDaemons", "/Applications", "/private/var/log/asl",
+  const QStringList prefixes = {"/Users",
+                                "/Library/Logs",
+                                "/System/Library/Logs",
+                                "/Library/Caches",
+                                "/System/Library/Caches",
+                                "/Library/LaunchAgents",
+                                "/Library/LaunchDaemons",
+                                "/Applications",
+                                "/private/var/log/asl",
                                 "/var/folders"};
   for (const QString& prefix : prefixes)
     if ((path + '/').startsWith(prefix + '/'))
@@ -151,8 +157,8 @@ void Filter(const QStringList& folders)
 void Measure(const QString& text, FuzzedDataProvider* provider)
 {
   const long long size = ParseSize(text);
-  const bool hasUnit = text.toLower().endsWith("bytes") || text.endsWith("KB") || text.endsWith("MB") ||
-                       text.endsWith("GB");
+  const bool hasUnit =
+      text.toLower().endsWith("bytes") || text.endsWith("KB") || text.endsWith("MB") || text.endsWith("GB");
   Require(hasUnit || size == -1, "a size without a unit is none");
   const bool hasFrequency = text.endsWith("MHz") || text.endsWith("GHz");
   Require(hasFrequency || ParseFrequency(text) == -1, "a frequency without a unit is none");

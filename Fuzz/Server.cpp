@@ -1,5 +1,5 @@
-// A serving participant, two honest clients and four hostile ones, over real local sockets. The script is what
-// happens: a step's kind is what is done, its argument which hostile peer does it.
+// A serving participant, two honest clients and four hostile ones, over real local sockets. The script is
+// what happens: a step's kind is what is done, its argument which hostile peer does it.
 
 #include <Common/Bazaar.cpp>
 
@@ -255,7 +255,8 @@ private:
     Require(own->clients.keys() == QList<QByteArray>({"A", "B", "own"}), "the honest stay, and they alone");
     Require(own->intakes.size() <= 3, "nothing is kept of those who have gone");
     Require(anna->HasAllResults(), "every honest message has its result");
-    Require(ben->From("A") == anna->To("B"), "what one honest client says the other hears, once and in order");
+    Require(ben->From("A") == anna->To("B"),
+            "what one honest client says the other hears, once and in order");
     Require(ben->From("own") == ownWords, "what the server's participant says is heard");
     Require(CountHeard("message A ") == anna->To("own").size(),
             "the server's participant hears what is said to it");

@@ -1,5 +1,5 @@
-// A settings file of any bytes: what is read is in range and is what QSettings holds, and what is set comes back,
-// for another reader of the file, too.
+// A settings file of any bytes: what is read is in range and is what QSettings holds, and what is set comes
+// back, for another reader of the file, too.
 
 #include <Common/DaemonSettings.h>
 
@@ -46,7 +46,8 @@ void ReadAll(const DaemonSettings& settings, const QSettings& store)
   Require(settings.GetNeedToWatchTrashFlag() == flag(KeyNeedToWatchTrash), "a flag is the store's");
   Require(settings.GetNeedToWatchDiskSpaceFlag() == flag(KeyNeedToWatchDiskSpace), "a flag is the store's");
   Require(settings.GetNeedToWatchRAMFlag() == flag(KeyNeedToWatchRAM), "a flag is the store's");
-  Require(settings.GetNeedToRemindAboutRegularMaintenanceFlag() == flag(KeyNeedToRemindAboutRegularMaintenance),
+  Require(settings.GetNeedToRemindAboutRegularMaintenanceFlag() ==
+              flag(KeyNeedToRemindAboutRegularMaintenance),
           "a flag is the store's");
   Require(settings.GetNeedToWatchApplicationRemoveFlag() == flag(KeyNeedToWatchApplicationRempve),
           "a flag is the store's");
@@ -102,7 +103,8 @@ void SetAll(FuzzedDataProvider* provider, const QString& path)
 
   const QSettings fresh(path, QSettings::IniFormat);
   Require(fresh.value(KeyHelpUrl).toString() == text, "a text that is written is read");
-  Require(fresh.value(KeyTrashSizeLimit).toString() == QString::number(bytes), "a limit is stored as its text");
+  Require(fresh.value(KeyTrashSizeLimit).toString() == QString::number(bytes),
+          "a limit is stored as its text");
   ReadAll(reader, fresh);
 }
 

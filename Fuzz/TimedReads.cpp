@@ -24,8 +24,8 @@ std::vector<unsigned int> sleeps;
 
 const int longestPiece = 4096;
 
-// Brings a piece per wait, or, polled, per read. An empty piece is a wait that runs out, or a read that brings
-// nothing.
+// Brings a piece per wait, or, polled, per read. An empty piece is a wait that runs out, or a read that
+// brings nothing.
 class Device : public QIODevice
 {
 public:

@@ -5,7 +5,8 @@
 
 #include <memory>
 
-/** The other ends of a bus, spoken to without Qt, so that they can act while Qt waits. Nothing here blocks. */
+/** The other ends of a bus, spoken to without Qt, so that they can act while Qt waits. Nothing here blocks.
+ */
 namespace Bus
 {
 

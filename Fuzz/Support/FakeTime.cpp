@@ -75,7 +75,8 @@ void FakeTime::Pass(long long milliseconds)
 extern "C" int clock_gettime(clockid_t clock, timespec* time)
 {
   static const auto real = FindReal<int(clockid_t, timespec*)>("clock_gettime");
-  if (!others || (clock != CLOCK_MONOTONIC && clock != CLOCK_MONOTONIC_COARSE && clock != CLOCK_MONOTONIC_RAW))
+  if (!others ||
+      (clock != CLOCK_MONOTONIC && clock != CLOCK_MONOTONIC_COARSE && clock != CLOCK_MONOTONIC_RAW))
     return real(clock, time);
   now += 1000; // so that whoever looks at the clock until a time has come sees it come
   time->tv_sec = now / second;

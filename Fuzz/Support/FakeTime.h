@@ -3,9 +3,9 @@
 #include <functional>
 
 /**
- * Takes the waiting out of a target. While a FakeTime lives, on its thread the steady clock stands still but for
- * waits and Pass(): sleeps end at once, and who waits for descriptors lets others act instead. The library is the
- * same as everywhere; what the system answers it is not.
+ * Takes the waiting out of a target. While a FakeTime lives, on its thread the steady clock stands still but
+ * for waits and Pass(): sleeps end at once, and who waits for descriptors lets others act instead. The
+ * library is the same as everywhere; what the system answers it is not.
  */
 class FakeTime
 {

@@ -1,5 +1,5 @@
-// Linked into the targets whose inputs are scripts of packets. A change of one byte would nearly always end at a
-// checksum; this changes fields, and puts lengths and checksums right again, mostly.
+// Linked into the targets whose inputs are scripts of packets. A change of one byte would nearly always end
+// at a checksum; this changes fields, and puts lengths and checksums right again, mostly.
 
 #include "Support/Script.h"
 #include "Support/Wire.h"
@@ -29,9 +29,9 @@ QByteArray Mutated(const QByteArray& bytes)
   QByteArray changed = bytes.left(largestField);
   const int size = changed.size();
   changed.resize(size + 64);
-  changed.resize(static_cast<int>(
-      LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(changed.data()), static_cast<std::size_t>(size),
-                       static_cast<std::size_t>(changed.size()))));
+  changed.resize(static_cast<int>(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(changed.data()),
+                                                   static_cast<std::size_t>(size),
+                                                   static_cast<std::size_t>(changed.size()))));
   return changed;
 }
 
@@ -43,8 +43,8 @@ const QByteArray& KnownCommand(Random& random)
 
 const QByteArray& KnownName(Random& random)
 {
-  static const std::array<QByteArray, 10> names = {
-      "A", "B", "own", "fuzz", "hostile", "", "OK", "NO RECIPIENT", "NOT SENT", "NOT WRITTEN"};
+  static const std::array<QByteArray, 10> names = {"A", "B",  "own",          "fuzz",     "hostile",
+                                                   "",  "OK", "NO RECIPIENT", "NOT SENT", "NOT WRITTEN"};
   return names[random() % names.size()];
 }
 
@@ -59,7 +59,8 @@ qint64 Number(const QByteArray& bytes, int offset)
 // A length and its bytes; what is not there is left out.
 QByteArray TakeCounted(const QByteArray& bytes, int* offset)
 {
-  const qint64 length = std::clamp<qint64>(Number(bytes, *offset), 0, std::max(bytes.size() - *offset - 4, 0));
+  const qint64 length =
+      std::clamp<qint64>(Number(bytes, *offset), 0, std::max(bytes.size() - *offset - 4, 0));
   const QByteArray taken = bytes.mid(*offset + 4, static_cast<int>(length));
   *offset += 4 + taken.size();
   return taken;
@@ -146,8 +147,8 @@ QByteArray MutatedList(const QByteArray& body, Random& random)
 
 QByteArray Assembled(const Fields& fields, Random& random)
 {
-  const std::array<qint64, 6> sizes = {0, 3, -1, std::numeric_limits<qint32>::max(),
-                                       fields.body.size() + 1, fields.body.size() - 1};
+  const std::array<qint64, 6> sizes = {
+      0, 3, -1, std::numeric_limits<qint32>::max(), fields.body.size() + 1, fields.body.size() - 1};
   const bool isHonest = Below(random, 8) != 0;
   const qint64 bodySize = isHonest ? fields.body.size() : sizes[random() % sizes.size()];
   const QByteArray header = Wire::Counted(fields.context) + Wire::Counted(fields.command) +

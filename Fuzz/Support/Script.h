@@ -7,9 +7,10 @@
 #include <cstdint>
 
 /**
- * The input of a target that plays a conversation: steps, each with a kind, an argument and bytes. In the file
- * a step is the kind and the argument, one byte each, the number of bytes, least significant first, in two,
- * and the bytes. Whatever the fuzzer makes of such a file is a script, too: what is missing at its end was never there.
+ * The input of a target that plays a conversation: steps, each with a kind, an argument and bytes. In the
+ * file a step is the kind and the argument, one byte each, the number of bytes, least significant first, in
+ * two, and the bytes. Whatever the fuzzer makes of such a file is a script, too: what is missing at its end
+ * was never there.
  */
 namespace Script
 {
