@@ -1,4 +1,6 @@
-// Linked into every target: the library's log goes to the sinks alone.
+// Linked into every target: the library's log goes to the sinks alone, and Qt's warnings nowhere.
+
+#include <QtGlobal>
 
 #include <glog/logging.h>
 
@@ -8,5 +10,6 @@ extern "C" int LLVMFuzzerInitialize(int*, char*** arguments)
   for (int severity = google::GLOG_INFO; severity < google::NUM_SEVERITIES; ++severity)
     google::SetLogDestination(severity, "");
   FLAGS_stderrthreshold = google::NUM_SEVERITIES;
+  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
   return 0;
 }
