@@ -89,8 +89,9 @@ struct Play
 
   void RequireMembers() const
   {
-    // Without a server one that never serves forgets its members in silence.
-    if (hasLeft || !isPlain || (impl->flags & NoServer) != 0)
+    // Without a server one that never serves forgets its members in silence; a listener may have dropped
+    // itself.
+    if (hasLeft || !doer || !isPlain || (impl->flags & NoServer) != 0)
       return;
     std::set<QString> members;
     for (const QByteArray& name : qAsConst(impl->members))
