@@ -46,13 +46,15 @@ Configure()
   cmake --preset "$1" || Fail "CMake could not configure the preset $1." "Its messages above name the cause."
 }
 
-# Build PRESET [TARGET]
+# Build PRESET [TARGET...]
 Build()
 {
-  Configure "$1"
-  Step "Building ($1)"
-  cmake --build --preset "$1" --parallel "$jobs" ${2:+--target "$2"} ||
-    Fail "The build of the preset $1 failed." "The compiler's messages above name the place."
+  local preset=$1
+  shift
+  Configure "$preset"
+  Step "Building ($preset)"
+  cmake --build --preset "$preset" --parallel "$jobs" ${1:+--target "$@"} ||
+    Fail "The build of the preset $preset failed." "The compiler's messages above name the place."
 }
 
 # Test PRESET [CTEST ARGUMENTS...]

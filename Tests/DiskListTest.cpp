@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QTemporaryDir>
 
 #include <cctype>
@@ -208,10 +209,24 @@ TEST_F(LoadDiskListTest, ReadsTheWholeGenerationOf10Dot8)
                           StorageInfo{"Untitled", "/Volumes/Untitled", 4002349056, 4001837056}));
 }
 
-TEST_F(LoadDiskListTest, ReadsNoSizesFrom10Dot12)
+TEST_F(LoadDiskListTest, ReadsTheWholeGenerationOf10Dot6)
+{
+  UseMachine("10.6");
+  EXPECT_THAT(LoadDiskList(), ElementsAre(StorageInfo{"Snow", "/", 159697911808, 12884901888}));
+}
+
+TEST_F(LoadDiskListTest, ReadsTheWholeGenerationOf10Dot11)
+{
+  UseMachine("10.11");
+  EXPECT_THAT(LoadDiskList(),
+              ElementsAre(StorageInfo{"Granite", "/", 249779191808, 77309411328},
+                          StorageInfo{"COLD STORE", "/Volumes/COLD STORE", 8004829184, 1073741824}));
+}
+
+TEST_F(LoadDiskListTest, ReadsTheWholeGenerationOf10Dot12)
 {
   UseMachine("10.12");
-  EXPECT_THAT(LoadDiskList(), ElementsAre(StorageInfo{"Workshop", "/", -1, -1}));
+  EXPECT_THAT(LoadDiskList(), ElementsAre(StorageInfo{"Workshop", "/", 499055067136, 378795982848}));
   EXPECT_THAT(Calls(), ElementsAre("1<list>", "2<info><IDENTIFIER>", "2<info><disk0>", "2<info><disk0s1>",
                                    "2<info><disk0s2>", "2<info><disk0s3>", "2<info><IDENTIFIER>",
                                    "2<info><disk1>", "2<info><disk0s2>",
@@ -222,21 +237,53 @@ TEST_F(LoadDiskListTest, ListsALogicalVolumeTwiceWhereTheToolKnowsItByItsUuidToo
 {
   UseMachine("10.12");
   SetInfo("0B5F2C61-8A4E-4D0E-9C57-3E1B7A90D214", ReadFile(tools.FilePath("info-disk1")));
-  EXPECT_THAT(LoadDiskList(),
-              ElementsAre(StorageInfo{"Workshop", "/", -1, -1}, StorageInfo{"Workshop", "/", -1, -1}));
+  const StorageInfo volume = {"Workshop", "/", 499055067136, 378795982848};
+  EXPECT_THAT(LoadDiskList(), ElementsAre(volume, volume));
 }
 
-TEST_F(LoadDiskListTest, ReadsOnlyFreeSpaceFrom10Dot13)
+TEST_F(LoadDiskListTest, ReadsTheWholeGenerationOf10Dot13)
 {
   UseMachine("10.13");
-  EXPECT_THAT(LoadDiskList(), ElementsAre(StorageInfo{"SAMPLE", "/Volumes/SAMPLE", -1, 63873024}));
+  EXPECT_THAT(LoadDiskList(), ElementsAre(StorageInfo{"SAMPLE", "/Volumes/SAMPLE", 64028672, 63873024}));
 }
 
-TEST_F(LoadDiskListTest, ReadsNoSizesFromApfsVolumes)
+TEST_F(LoadDiskListTest, ReadsTheApfsVolumesOf10Dot15)
+{
+  UseMachine("10.15");
+  EXPECT_THAT(LoadDiskList(),
+              ElementsAre(StorageInfo{"Orchard - 数据", "/System/Volumes/Data", 121018208256, 41943040000},
+                          StorageInfo{"Orchard", "/", 121018208256, 41943040000}));
+}
+
+TEST_F(LoadDiskListTest, ReadsTheApfsVolumesOf11)
 {
   UseMachine("11");
-  EXPECT_THAT(LoadDiskList(), ElementsAre(StorageInfo{"Meadow", "/", -1, -1},
-                                          StorageInfo{"Data", "/System/Volumes/Data", -1, -1}));
+  EXPECT_THAT(LoadDiskList(),
+              ElementsAre(StorageInfo{"Meadow", "/", 245107195904, 139650973696},
+                          StorageInfo{"Data", "/System/Volumes/Data", 245107195904, 139650973696}));
+}
+
+TEST_F(LoadDiskListTest, ReadsTheSnapshotAndTheStickOfALocalised15)
+{
+  UseMachine("15");
+  EXPECT_THAT(LoadDiskList(),
+              ElementsAre(StorageInfo{"Harbour", "/", 2000189177856, 750000128000},
+                          StorageInfo{"Field Notes", "/Volumes/Field Notes", 16000221184, 15991570432}));
+}
+
+TEST_F(LoadDiskListTest, ValueOfANewerSystemEndsAtItsSecondColonToo)
+{
+  EXPECT_THAT(LoadSingle("Mounted: Yes\nVolume Name: Disk 1: Music\nMount Point: /Volumes/Disk 1: Music\n"
+                         "Disk Size: 1.0 KB (1024 Bytes)\nContainer Free Space: 12 B (12 Bytes)\n"),
+              ElementsAre(StorageInfo{"Disk 1", "/Volumes/Disk 1", 1024, 12}));
+}
+
+TEST_F(LoadDiskListTest, NameWithALineBreakCannotLendANewerVolumeAnotherSize)
+{
+  EXPECT_THAT(LoadSingle("Volume Name: A\nDisk Size: 9 (9 Bytes)\nContainer Free Space: 9 (9 Bytes)\n"
+                         "Mounted: Yes\nMount Point: /Volumes/A\n"
+                         "Disk Size: 1.0 KB (1024 Bytes)\nContainer Free Space: 12 B (12 Bytes)\n"),
+              ElementsAre(StorageInfo{"A", "/Volumes/A", 1024, 12}));
 }
 
 // Real outputs, which stand beside the project where it is developed.
@@ -345,14 +392,14 @@ const InfoTranscript infoTranscripts[] = {
      {"Untitled", "/Volumes/Untitled", 16029581312, 15961518080}},
     {"info-10.11-whole-internal-ssd", false, none},
     {"info-10.11-whole-ssd-two-device-locations", false, none},
-    {"info-10.12-root-corestorage-encrypted-1tb", true, {"Macintosh HD", "/", -1, -1}},
-    {"info-10.12-root-corestorage-plain", true, {"Macintosh HD", "/", -1, -1}},
-    {"info-10.12-usb-hfs-available-space", true, {"vol", "/Volumes/vol", -1, -1}},
+    {"info-10.12-root-corestorage-encrypted-1tb", true, {"Macintosh HD", "/", 999334739968, 346704064512}},
+    {"info-10.12-root-corestorage-plain", true, {"Macintosh HD", "/", 249664372736, 55848755200}},
+    {"info-10.12-usb-hfs-available-space", true, {"vol", "/Volumes/vol", 15720250368, 15679725568}},
     {"info-10.12-whole-external-thunderbolt", false, none},
     {"info-10.12-whole-internal-hdd", false, none},
     {"info-10.12-whole-ssd-smart-not-supported", false, none},
     {"info-10.12-whole-ssd-two-device-locations", false, none},
-    {"info-10.13-exfat-disk-image-free-space", true, {"myexfat", "/Volumes/myexfat", -1, 99807232}},
+    {"info-10.13-exfat-disk-image-free-space", true, {"myexfat", "/Volumes/myexfat", 100032000, 99807232}},
     {"info-10.15-apfs-container", false, none},
     {"info-10.15-whole-internal-ssd", false, none},
     {"info-10.6-fat16-empty-volume-name", true, {"Untitled", "/Volumes/Untitled", 32079872, 11322368}},
@@ -361,17 +408,25 @@ const InfoTranscript infoTranscripts[] = {
     {"info-10.8-fat32-usb-mounted", true, {"UNTITLED", "/Volumes/UNTITLED", 31142666240, 31131795456}},
     {"info-10.8-firewire-hfs-mounted", true, {"DroboOne", "/Volumes/DroboOne", 2198888927232, 169412173824}},
     {"info-10.9-raid-set-online", true, {"Space", "/Volumes/Space", 1499957919744, 243187904512}},
-    {"info-11-apfs-mount-point-with-blank", true, {"Macintosh HD", "/Volumes/Macintosh HD", -1, -1}},
-    {"info-11-apfs-preboot-mounted", true, {"iSCPreboot", "/System/Volumes/iSCPreboot", -1, -1}},
+    {"info-11-apfs-mount-point-with-blank",
+     true,
+     {"Macintosh HD", "/Volumes/Macintosh HD", 245107195904, 183397150720}},
+    {"info-11-apfs-preboot-mounted",
+     true,
+     {"iSCPreboot", "/System/Volumes/iSCPreboot", 524288000, 506347520}},
     {"info-11-apfs-recovery-not-mounted", false, none},
     {"info-11-apfs-update-temporary-mount",
      true,
-     {"Update", "/System/Volumes/Data/private/tmp/tmp-mount-spRxyx", -1, -1}},
-    {"info-11plus-exfat-sdcard-mounted", true, {"PSV-CARD", "/Volumes/PSV-CARD", -1, 127847890944}},
-    {"info-11plus-exfat-usb-first-line-shifted", true, {"SETUPWIZ", "/Volumes/SETUPWIZ", -1, 62517673984}},
-    {"info-14plus-apfs-8tb", true, {"DATA", "/Volumes/DATA", -1, -1}},
-    {"info-15-data-volume-fusion-localized", true, {"10.14 - Data", "/System/Volumes/Data", -1, -1}},
-    {"info-15-root-snapshot-fusion-localized", true, {"Main Storage SSD", "/", -1, -1}},
+     {"Update", "/System/Volumes/Data/private/tmp/tmp-mount-spRxyx", 245107195904, 183397150720}},
+    {"info-11plus-exfat-sdcard-mounted", true, {"PSV-CARD", "/Volumes/PSV-CARD", 127864406016, 127847890944}},
+    {"info-11plus-exfat-usb-first-line-shifted",
+     true,
+     {"SETUPWIZ", "/Volumes/SETUPWIZ", 62533926912, 62517673984}},
+    {"info-14plus-apfs-8tb", true, {"DATA", "/Volumes/DATA", 7998551654400, 4490433454080}},
+    {"info-15-data-volume-fusion-localized",
+     true,
+     {"10.14 - Data", "/System/Volumes/Data", 1027680514048, 374632353792}},
+    {"info-15-root-snapshot-fusion-localized", true, {"Main Storage SSD", "/", 1027680514048, 374632345600}},
 };
 
 class DiskToolTranscript : public LoadDiskListTest
@@ -416,6 +471,55 @@ TEST_P(DiskToolInfo, IsReadAsThisVolume)
 
 INSTANTIATE_TEST_SUITE_P(Transcripts, DiskToolInfo, testing::ValuesIn(infoTranscripts),
                          [](const auto& row) { return CaseName(row.param.name); });
+
+// A list and what the same machine told of its disks.
+struct MachineTranscripts
+{
+  const char* list;
+  QMap<QString, const char*> infos; // by identifier
+  QList<StorageInfo> volumes;
+};
+
+const MachineTranscripts machines[] = {
+    {"list-10.8-corestorage-bare-headers",
+     {{"disk5s3", "info-10.8-firewire-hfs-mounted"}},
+     {{"DroboOne", "/Volumes/DroboOne", 2198888927232, 169412173824}}},
+    {"list-10.10-sdcard-single-disk", {{"disk2", "info-10.10-whole-sdcard-no-file-system"}}, {}},
+    {"list-10.12-disk-image-whole-disk-volume",
+     {{"disk3s1", "info-10.12-usb-hfs-available-space"}},
+     {{"vol", "/Volumes/vol", 15720250368, 15679725568}}},
+    {"list-10.13-one-disk-image-mbr",
+     {{"disk3s1", "info-10.13-exfat-disk-image-free-space"}},
+     {{"myexfat", "/Volumes/myexfat", 100032000, 99807232}}},
+    {"list-10.15-apfs-chinese-data-volume",
+     {{"disk0", "info-10.15-whole-internal-ssd"}, {"disk1", "info-10.15-apfs-container"}},
+     {}},
+    {"list-11plus-wide-characters-truncated-name",
+     {{"disk2s1", "info-11plus-exfat-sdcard-mounted"}},
+     {{"PSV-CARD", "/Volumes/PSV-CARD", 127864406016, 127847890944}}},
+    {"list-15-apfs-fusion-cryptex-empty-row",
+     {{"disk2s1", "info-15-data-volume-fusion-localized"},
+      {"disk2s4s1", "info-15-root-snapshot-fusion-localized"}},
+     {{"10.14 - Data", "/System/Volumes/Data", 1027680514048, 374632353792},
+      {"Main Storage SSD", "/", 1027680514048, 374632345600}}},
+};
+
+class DiskToolMachine : public DiskToolTranscript, public testing::WithParamInterface<MachineTranscripts>
+{
+};
+
+TEST_P(DiskToolMachine, HasTheseVolumes)
+{
+  if (!QDir(transcripts).exists())
+    GTEST_SKIP() << "There are no transcripts in " << transcripts.toStdString();
+  SetList(Read(GetParam().list));
+  for (auto info = GetParam().infos.begin(); info != GetParam().infos.end(); ++info)
+    SetInfo(info.key(), Read(info.value()));
+  EXPECT_THAT(LoadDiskList(), testing::ElementsAreArray(GetParam().volumes));
+}
+
+INSTANTIATE_TEST_SUITE_P(Transcripts, DiskToolMachine, testing::ValuesIn(machines),
+                         [](const auto& row) { return CaseName(row.param.list); });
 
 TEST(DiskToolTranscripts, AreAllAccountedFor)
 {

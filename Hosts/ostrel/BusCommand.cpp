@@ -3,16 +3,14 @@
 #include "BusSession.h"
 #include "Doctor.h"
 #include "ExitCodes.h"
+#include "Options.h"
 #include "Output.h"
 #include "Payload.h"
 #include "SafeText.h"
 #include "SayReader.h"
 #include "Texts.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QJsonArray>
 
 #include <algorithm>
@@ -40,9 +38,6 @@ struct Arguments
 
 using SharedArguments = std::shared_ptr<Arguments>;
 
-constexpr double shortestTimeout = 0.001;
-constexpr double longestTimeout = 7 * 24 * 60 * 60;
-
 // Names travel as UTF-8 whatever the locale, and an empty one cannot be told from none.
 QString ParseName(const std::string& text)
 {
@@ -52,15 +47,6 @@ QString ParseName(const std::string& text)
   if (!IsUtf8(bytes))
     throw CLI::ValidationError("NAME", "a name must be UTF-8");
   return DecodeUtf8(bytes);
-}
-
-std::string CheckTimeout(const std::string& text)
-{
-  bool isNumber = false;
-  const double seconds = QByteArray::fromStdString(text).toDouble(&isNumber);
-  return isNumber && seconds >= shortestTimeout && seconds <= longestTimeout
-             ? std::string()
-             : "a timeout must be between 0.001 and 604800 seconds";
 }
 
 CLI::Option* AddName(CLI::App& app, const std::string& option, QString& name, const std::string& help)
@@ -76,37 +62,16 @@ void AddCommonOptions(CLI::App& verb, BusOptions& options, const std::string& ti
 {
   AddName(verb, "--context,-c", options.contextName, "The bus to join (default: ostrel)");
   AddName(verb, "--name,-n", options.clientName, "Who to be on the bus (default: ostrel-PID)");
-  verb.add_option_function<double>(
-          "--timeout,-t",
-          [&options](double seconds)
-          { options.timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000)); },
-          timeoutHelp)
-      ->type_name("SECONDS")
-      ->check(CheckTimeout);
+  AddTimeout(verb, options.timeout, timeoutHelp);
   verb.add_flag("--hold-until-member", options.holdUntilMember,
                 "Hold each message back until its recipient is on the bus");
   verb.add_flag("--no-server", options.noServer, "Never serve the bus; without a server end with code 20");
-  verb.add_flag("--json,-j", options.json, "Print JSON, one object per line and nothing else");
-}
-
-CLI::App* AddVerb(CLI::App& bus, const std::string& name, const std::string& help, Command& command,
-                  const Command& action)
-{
-  CLI::App* verb = bus.add_subcommand(name, help);
-  verb->final_callback([&command, action] { command = action; });
-  return verb;
+  AddJson(verb, options.json);
 }
 
 // Results and events --------------------------------------------------------------------------------------
 
 constexpr int longestShown = 1000; // of a payload on a terminal, in bytes after escaping
-
-QJsonObject MakeEvent(const QString& event, QJsonObject fields)
-{
-  fields.insert(QStringLiteral("event"), event);
-  fields.insert(QStringLiteral("time"), QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
-  return fields;
-}
 
 QJsonObject DescribePayload(const QString& sender, const QByteArray& data)
 {
@@ -169,12 +134,6 @@ int GetExitCode(Error result)
     break;
   }
   return UnknownResult;
-}
-
-// A line that was lost outweighs what else went well.
-int Combine(int code, const Output& output)
-{
-  return output.Status() != Done ? output.Status() : code;
 }
 
 class QuietListener : public Listener
@@ -258,7 +217,7 @@ int RunSend(const Arguments& arguments, Signals& signalSource)
   const int code = session.Run();
   if (code == TimedOut)
     PrintError(Texts::tr("no result came for the message to %1").arg(ShowName(arguments.recipient)));
-  return Combine(code, output);
+  return output.Combine(code);
 }
 
 // listen --------------------------------------------------------------------------------------------------
@@ -345,7 +304,7 @@ int RunListen(const Arguments& arguments, Signals& signalSource)
   }
 
   const int code = session.Run();
-  return Combine(code == TimedOut ? static_cast<int>(Done) : code, output);
+  return output.Combine(code == TimedOut ? static_cast<int>(Done) : code);
 }
 
 // wait ----------------------------------------------------------------------------------------------------
@@ -380,7 +339,7 @@ int RunWait(const Arguments& arguments, Signals& signalSource)
     PrintJoined(output, arguments.awaited);
   else if (code == TimedOut)
     PrintError(Texts::tr("%1 has not come").arg(ShowName(arguments.awaited)));
-  return Combine(code, output);
+  return output.Combine(code);
 }
 
 // The verbs on the command line ---------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 
 #include <Common/FormatText.h>
 #include <Common/PathHelpers.h>
+#include <Common/Platform/ToolOutput.h>
 #include <Common/ReadProcess.h>
 
 #include <QFileInfo>
@@ -18,7 +19,8 @@ using VolumeInfo = QMap<QString, QString>;
 
 QStringList ReadDiskTool(const QStringList& arguments)
 {
-  return ReadProcess(QStringLiteral("diskutil"), arguments).split(QLatin1Char('\n'));
+  const QString answer = ReadProcess(QStringLiteral("diskutil"), arguments);
+  return Platform::ToClassicDiskAnswer(arguments.first(), answer).split(QLatin1Char('\n'));
 }
 
 VolumeInfo LoadVolumeInfo(const QString& device)

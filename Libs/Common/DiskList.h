@@ -12,7 +12,7 @@
 namespace Tavrik::Cleaner
 {
 
-/** One mounted volume. */
+/** One mounted volume. The volumes of an APFS container share its sizes. */
 struct StorageInfo
 {
   QString name;            ///< The volume's own name, else the last part of its mount point, else "/".

@@ -1,5 +1,6 @@
 #include <Common/DaemonSettings.h>
 #include <Common/Firewall.h>
+#include <Common/Platform/ToolOutput.h>
 #include <Common/ReadProcess.h>
 #include <Common/RootExecutor.h>
 
@@ -123,16 +124,21 @@ void ReadApplications(const QString& output, Listed listed, FirewallState* state
   }
 }
 
+QString Ask(const char* question)
+{
+  const QString option = QLatin1String(question);
+  return Platform::ToClassicFirewallAnswer(option, ReadProcess(filewallFileName, option));
+}
+
 bool Answers(const char* question, const char* text)
 {
-  return ReadProcess(filewallFileName, QLatin1String(question)).contains(QLatin1String(text));
+  return Ask(question).contains(QLatin1String(text));
 }
 
 FirewallState ReadState()
 {
   FirewallState state;
-  ReadApplications(ReadProcess(filewallFileName, QStringLiteral("--listapps")), WhatThisSystemLists(),
-                   &state);
+  ReadApplications(Ask("--listapps"), WhatThisSystemLists(), &state);
   state.isEnabled = Answers("--getglobalstate", "Firewall is enabled");
   state.blockAll = Answers("--getblockall", "Firewall is set to block all");
   state.allowSigned = Answers("--getallowsigned", "ENABLED");

@@ -68,7 +68,12 @@ RAMCleaner::RAMCleaner(QObject* parent) : QObject(parent), impl(std::make_unique
   ReadStatistics();
 }
 
-RAMCleaner::~RAMCleaner() = default;
+// As the process object would do it itself, but without its complaint.
+RAMCleaner::~RAMCleaner()
+{
+  impl->purgerProcess->kill();
+  impl->purgerProcess->waitForFinished();
+}
 
 qint64 RAMCleaner::GetTotalRAMSize() const
 {
@@ -106,7 +111,7 @@ bool RAMCleaner::Clean()
             });
   }
 
-  const QString program = QString::fromUtf8(Platform::FindHelper(purgerName).ToUtf8());
+  const QString program = FindPurger();
   ReadStatistics();
   impl->freePagesBefore = impl->statistics.free_count;
   impl->progress = 0;
@@ -138,6 +143,11 @@ bool RAMCleaner::IsCleaning() const
 float RAMCleaner::GetProgress() const
 {
   return static_cast<float>(impl->progress / 100.0);
+}
+
+QString RAMCleaner::FindPurger()
+{
+  return QString::fromUtf8(Platform::FindHelper(purgerName).ToUtf8());
 }
 
 void RAMCleaner::timerEvent(QTimerEvent* event)

@@ -74,6 +74,9 @@ public:
   /** @return 0 to 1; 1 once a run is over. */
   Q_INVOKABLE float GetProgress() const;
 
+  /** @return The absolute path of the helper, or the one it should have; needs the QCoreApplication. */
+  static QString FindPurger();
+
   class TAVRIK_COMMON_NO_EXPORT Impl; ///< The run itself.
 
 protected:

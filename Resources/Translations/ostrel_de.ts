@@ -166,6 +166,322 @@
         <source>cannot say a line that does not begin with a name: %1</source>
         <translation>eine Zeile, die nicht mit einem Namen beginnt, lässt sich nicht sagen: %1</translation>
     </message>
+    <message>
+        <source>unknown</source>
+        <translation>unbekannt</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Mounted at</source>
+        <translation>Eingehängt unter</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>Gesamt</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Frei</translation>
+    </message>
+    <message>
+        <source>Used</source>
+        <translation>Belegt</translation>
+    </message>
+    <message>
+        <source>the disk tool diskutil is missing; it comes with macOS and is looked for in PATH</source>
+        <translation>das Festplattenwerkzeug diskutil fehlt; es gehört zu macOS und wird in PATH gesucht</translation>
+    </message>
+    <message>
+        <source>diskutil tells of no mounted disk</source>
+        <translation>diskutil nennt keine eingehängte Festplatte</translation>
+    </message>
+    <message>
+        <source>there is no %1</source>
+        <translation>%1 gibt es nicht</translation>
+    </message>
+    <message>
+        <source>no disk holds %1</source>
+        <translation>keine Festplatte enthält %1</translation>
+    </message>
+    <message>
+        <source>not UTF-8: %1</source>
+        <translation>kein UTF-8: %1</translation>
+    </message>
+    <message>
+        <source>the path is no text in this locale: %1</source>
+        <translation>der Pfad ist in diesem Gebietsschema kein Text: %1</translation>
+    </message>
+    <message>
+        <source>a file</source>
+        <translation>eine Datei</translation>
+    </message>
+    <message>
+        <source>a folder</source>
+        <translation>ein Ordner</translation>
+    </message>
+    <message>
+        <source>a link</source>
+        <translation>ein Link</translation>
+    </message>
+    <message>
+        <source>a link to nothing</source>
+        <translation>ein Link ins Leere</translation>
+    </message>
+    <message>
+        <source>neither file nor folder</source>
+        <translation>weder Datei noch Ordner</translation>
+    </message>
+    <message>
+        <source>not there</source>
+        <translation>nicht vorhanden</translation>
+    </message>
+    <message>
+        <source>the path does not begin with /</source>
+        <translation>der Pfad beginnt nicht mit /</translation>
+    </message>
+    <message>
+        <source>a component of the path is &quot;..&quot;</source>
+        <translation>ein Teil des Pfads ist &quot;..&quot;</translation>
+    </message>
+    <message>
+        <source>language folders may be removed anywhere</source>
+        <translation>Sprachordner dürfen überall entfernt werden</translation>
+    </message>
+    <message>
+        <source>%1 may be cleaned</source>
+        <translation>%1 darf bereinigt werden</translation>
+    </message>
+    <message>
+        <source>it is on a writable volume</source>
+        <translation>es liegt auf einem beschreibbaren Volume</translation>
+    </message>
+    <message>
+        <source>under /Volumes only what exists may be removed</source>
+        <translation>unter /Volumes darf nur entfernt werden, was es gibt</translation>
+    </message>
+    <message>
+        <source>no writable volume holds it</source>
+        <translation>kein beschreibbares Volume enthält es</translation>
+    </message>
+    <message>
+        <source>it lies in no folder that may be cleaned</source>
+        <translation>es liegt in keinem Ordner, der bereinigt werden darf</translation>
+    </message>
+    <message>
+        <source>what may be removed may be searched</source>
+        <translation>was entfernt werden darf, darf durchsucht werden</translation>
+    </message>
+    <message>
+        <source>%1 is a library folder of the system</source>
+        <translation>%1 ist ein Library-Ordner des Systems</translation>
+    </message>
+    <message>
+        <source>it may not be removed and is in no library folder</source>
+        <translation>es darf nicht entfernt werden und liegt in keinem Library-Ordner</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>ja</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>nein</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>keine</translation>
+    </message>
+    <message>
+        <source>What it is</source>
+        <translation>Was es ist</translation>
+    </message>
+    <message>
+        <source>Safe to remove</source>
+        <translation>Entfernen erlaubt</translation>
+    </message>
+    <message>
+        <source>To be searched</source>
+        <translation>Durchsuchen erlaubt</translation>
+    </message>
+    <message>
+        <source>You may read it</source>
+        <translation>Sie dürfen es lesen</translation>
+    </message>
+    <message>
+        <source>You may write it</source>
+        <translation>Sie dürfen es schreiben</translation>
+    </message>
+    <message>
+        <source>You may remove it</source>
+        <translation>Sie dürfen es entfernen</translation>
+    </message>
+    <message>
+        <source>With all inside</source>
+        <translation>Mit allem darin</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>Anwendung</translation>
+    </message>
+    <message>
+        <source>Language folder</source>
+        <translation>Sprachordner</translation>
+    </message>
+    <message>
+        <source>Disk</source>
+        <translation>Festplatte</translation>
+    </message>
+    <message>
+        <source>the system does not tell its memory</source>
+        <translation>das System nennt seinen Speicher nicht</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>Speicher</translation>
+    </message>
+    <message>
+        <source>Cleaning the memory</source>
+        <translation>Der Speicher wird bereinigt</translation>
+    </message>
+    <message>
+        <source>the purger cannot be started: %1</source>
+        <translation>das Programm zum Bereinigen lässt sich nicht starten: %1</translation>
+    </message>
+    <message>
+        <source>Freed %1.</source>
+        <translation>%1 freigegeben.</translation>
+    </message>
+    <message>
+        <source>The time is over; %1 were freed.</source>
+        <translation>Die Zeit ist um; %1 wurden freigegeben.</translation>
+    </message>
+    <message>
+        <source>Stopped; %1 were freed.</source>
+        <translation>Angehalten; %1 wurden freigegeben.</translation>
+    </message>
+    <message>
+        <source>on, true, yes, 1, or off, false, no, 0</source>
+        <translation>on, true, yes, 1 oder off, false, no, 0</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>an</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>aus</translation>
+    </message>
+    <message>
+        <source>bytes, or a size such as &quot;500 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>Byte oder eine Größe wie &quot;500 MB&quot; oder &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>a part of the memory between 0 and 1, such as 0.05, or a percentage such as 5%</source>
+        <translation>einen Anteil des Speichers zwischen 0 und 1 wie 0.05 oder einen Prozentsatz wie 5%</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>a date such as 2026-01-31, or none</source>
+        <translation>ein Datum wie 2026-01-31 oder none</translation>
+    </message>
+    <message>
+        <source>%1 (no period)</source>
+        <translation>%1 (kein Zeitraum)</translation>
+    </message>
+    <message>
+        <source>a path that begins with /</source>
+        <translation>einen Pfad, der mit / beginnt</translation>
+    </message>
+    <message>
+        <source>a URL such as https://example.org/help</source>
+        <translation>eine URL wie https://example.org/help</translation>
+    </message>
+    <message>
+        <source>there is no setting %1; &quot;settings list&quot; names them</source>
+        <translation>eine Einstellung %1 gibt es nicht; &quot;settings list&quot; nennt sie</translation>
+    </message>
+    <message>
+        <source>the settings cannot be written: %1</source>
+        <translation>die Einstellungen lassen sich nicht schreiben: %1</translation>
+    </message>
+    <message>
+        <source>No reminder.</source>
+        <translation>Keine Erinnerung.</translation>
+    </message>
+    <message>
+        <source>Next reminder: %1, counted from %2.</source>
+        <translation>Nächste Erinnerung: %1, gerechnet ab %2.</translation>
+    </message>
+    <message>
+        <source>Setting</source>
+        <translation>Einstellung</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Wert</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>Vorgabe</translation>
+    </message>
+    <message>
+        <source>%1 is no value for %2, which takes %3</source>
+        <translation>%1 ist kein Wert für %2; möglich ist: %3</translation>
+    </message>
+    <message>
+        <source>name a setting, or all of them with --all</source>
+        <translation>nennen Sie eine Einstellung, oder alle mit --all</translation>
+    </message>
+    <message>
+        <source>Set all settings back to their defaults?</source>
+        <translation>Alle Einstellungen auf ihre Vorgaben zurücksetzen?</translation>
+    </message>
+    <message>
+        <source>nothing was changed; --yes needs no answer</source>
+        <translation>nichts wurde geändert; --yes braucht keine Antwort</translation>
+    </message>
+    <message>
+        <source>a frequency is written like &quot;800 MHz&quot; or &quot;2.4 GHz&quot;</source>
+        <translation>eine Frequenz schreibt man wie &quot;800 MHz&quot; oder &quot;2.4 GHz&quot;</translation>
+    </message>
+    <message>
+        <source>a size is written like &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>eine Größe schreibt man wie &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; oder &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>not a whole number of 64 bits: %1</source>
+        <translation>keine ganze Zahl mit 64 Bit: %1</translation>
+    </message>
+    <message>
+        <source>missing: %1</source>
+        <translation>fehlt: %1</translation>
+    </message>
+    <message>
+        <source>Purger</source>
+        <translation>Bereiniger</translation>
+    </message>
+    <message>
+        <source>Disk tool</source>
+        <translation>Festplattenwerkzeug</translation>
+    </message>
+    <message>
+        <source>Firewall tool</source>
+        <translation>Firewall-Werkzeug</translation>
+    </message>
+    <message>
+        <source>%1: %2 %</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>[yes/no]</source>
+        <translation>[ja/nein]</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

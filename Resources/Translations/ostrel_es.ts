@@ -166,6 +166,322 @@
         <source>cannot say a line that does not begin with a name: %1</source>
         <translation>no se puede decir una línea que no empieza con un nombre: %1</translation>
     </message>
+    <message>
+        <source>unknown</source>
+        <translation>desconocido</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Mounted at</source>
+        <translation>Montado en</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>Total</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Libre</translation>
+    </message>
+    <message>
+        <source>Used</source>
+        <translation>Usado</translation>
+    </message>
+    <message>
+        <source>the disk tool diskutil is missing; it comes with macOS and is looked for in PATH</source>
+        <translation>falta la herramienta de discos diskutil; viene con macOS y se busca en PATH</translation>
+    </message>
+    <message>
+        <source>diskutil tells of no mounted disk</source>
+        <translation>diskutil no indica ningún disco montado</translation>
+    </message>
+    <message>
+        <source>there is no %1</source>
+        <translation>no existe %1</translation>
+    </message>
+    <message>
+        <source>no disk holds %1</source>
+        <translation>ningún disco contiene %1</translation>
+    </message>
+    <message>
+        <source>not UTF-8: %1</source>
+        <translation>no es UTF-8: %1</translation>
+    </message>
+    <message>
+        <source>the path is no text in this locale: %1</source>
+        <translation>la ruta no es texto en esta configuración regional: %1</translation>
+    </message>
+    <message>
+        <source>a file</source>
+        <translation>un archivo</translation>
+    </message>
+    <message>
+        <source>a folder</source>
+        <translation>una carpeta</translation>
+    </message>
+    <message>
+        <source>a link</source>
+        <translation>un enlace</translation>
+    </message>
+    <message>
+        <source>a link to nothing</source>
+        <translation>un enlace a nada</translation>
+    </message>
+    <message>
+        <source>neither file nor folder</source>
+        <translation>ni archivo ni carpeta</translation>
+    </message>
+    <message>
+        <source>not there</source>
+        <translation>no existe</translation>
+    </message>
+    <message>
+        <source>the path does not begin with /</source>
+        <translation>la ruta no empieza con /</translation>
+    </message>
+    <message>
+        <source>a component of the path is &quot;..&quot;</source>
+        <translation>un componente de la ruta es &quot;..&quot;</translation>
+    </message>
+    <message>
+        <source>language folders may be removed anywhere</source>
+        <translation>las carpetas de idioma se pueden eliminar en cualquier lugar</translation>
+    </message>
+    <message>
+        <source>%1 may be cleaned</source>
+        <translation>%1 se puede limpiar</translation>
+    </message>
+    <message>
+        <source>it is on a writable volume</source>
+        <translation>está en un volumen con escritura</translation>
+    </message>
+    <message>
+        <source>under /Volumes only what exists may be removed</source>
+        <translation>en /Volumes solo se puede eliminar lo que existe</translation>
+    </message>
+    <message>
+        <source>no writable volume holds it</source>
+        <translation>ningún volumen con escritura lo contiene</translation>
+    </message>
+    <message>
+        <source>it lies in no folder that may be cleaned</source>
+        <translation>no está en ninguna carpeta que se pueda limpiar</translation>
+    </message>
+    <message>
+        <source>what may be removed may be searched</source>
+        <translation>lo que se puede eliminar se puede examinar</translation>
+    </message>
+    <message>
+        <source>%1 is a library folder of the system</source>
+        <translation>%1 es una carpeta de biblioteca del sistema</translation>
+    </message>
+    <message>
+        <source>it may not be removed and is in no library folder</source>
+        <translation>no se puede eliminar ni está en una carpeta de biblioteca</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>sí</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>no</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>ninguno</translation>
+    </message>
+    <message>
+        <source>What it is</source>
+        <translation>Qué es</translation>
+    </message>
+    <message>
+        <source>Safe to remove</source>
+        <translation>Eliminación permitida</translation>
+    </message>
+    <message>
+        <source>To be searched</source>
+        <translation>Examen permitido</translation>
+    </message>
+    <message>
+        <source>You may read it</source>
+        <translation>Usted puede leerlo</translation>
+    </message>
+    <message>
+        <source>You may write it</source>
+        <translation>Usted puede escribirlo</translation>
+    </message>
+    <message>
+        <source>You may remove it</source>
+        <translation>Usted puede eliminarlo</translation>
+    </message>
+    <message>
+        <source>With all inside</source>
+        <translation>Con todo su contenido</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>Aplicación</translation>
+    </message>
+    <message>
+        <source>Language folder</source>
+        <translation>Carpeta de idioma</translation>
+    </message>
+    <message>
+        <source>Disk</source>
+        <translation>Disco</translation>
+    </message>
+    <message>
+        <source>the system does not tell its memory</source>
+        <translation>el sistema no informa de su memoria</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>Memoria</translation>
+    </message>
+    <message>
+        <source>Cleaning the memory</source>
+        <translation>Limpiando la memoria</translation>
+    </message>
+    <message>
+        <source>the purger cannot be started: %1</source>
+        <translation>no se puede iniciar el programa de limpieza: %1</translation>
+    </message>
+    <message>
+        <source>Freed %1.</source>
+        <translation>Se liberaron %1.</translation>
+    </message>
+    <message>
+        <source>The time is over; %1 were freed.</source>
+        <translation>Se acabó el tiempo; se liberaron %1.</translation>
+    </message>
+    <message>
+        <source>Stopped; %1 were freed.</source>
+        <translation>Detenido; se liberaron %1.</translation>
+    </message>
+    <message>
+        <source>on, true, yes, 1, or off, false, no, 0</source>
+        <translation>on, true, yes, 1 u off, false, no, 0</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>activado</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>desactivado</translation>
+    </message>
+    <message>
+        <source>bytes, or a size such as &quot;500 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>bytes o un tamaño como &quot;500 MB&quot; o &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>a part of the memory between 0 and 1, such as 0.05, or a percentage such as 5%</source>
+        <translation>una parte de la memoria entre 0 y 1, como 0.05, o un porcentaje como 5%</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>a date such as 2026-01-31, or none</source>
+        <translation>una fecha como 2026-01-31, o none</translation>
+    </message>
+    <message>
+        <source>%1 (no period)</source>
+        <translation>%1 (no es un periodo)</translation>
+    </message>
+    <message>
+        <source>a path that begins with /</source>
+        <translation>una ruta que empieza con /</translation>
+    </message>
+    <message>
+        <source>a URL such as https://example.org/help</source>
+        <translation>una URL como https://example.org/help</translation>
+    </message>
+    <message>
+        <source>there is no setting %1; &quot;settings list&quot; names them</source>
+        <translation>no existe el ajuste %1; &quot;settings list&quot; los enumera</translation>
+    </message>
+    <message>
+        <source>the settings cannot be written: %1</source>
+        <translation>no se pueden escribir los ajustes: %1</translation>
+    </message>
+    <message>
+        <source>No reminder.</source>
+        <translation>Ningún recordatorio.</translation>
+    </message>
+    <message>
+        <source>Next reminder: %1, counted from %2.</source>
+        <translation>Próximo recordatorio: %1, contado desde %2.</translation>
+    </message>
+    <message>
+        <source>Setting</source>
+        <translation>Ajuste</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Valor</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>Predeterminado</translation>
+    </message>
+    <message>
+        <source>%1 is no value for %2, which takes %3</source>
+        <translation>%1 no es un valor para %2, que admite %3</translation>
+    </message>
+    <message>
+        <source>name a setting, or all of them with --all</source>
+        <translation>indique un ajuste, o todos con --all</translation>
+    </message>
+    <message>
+        <source>Set all settings back to their defaults?</source>
+        <translation>¿Devolver todos los ajustes a sus valores predeterminados?</translation>
+    </message>
+    <message>
+        <source>nothing was changed; --yes needs no answer</source>
+        <translation>no se cambió nada; --yes no necesita respuesta</translation>
+    </message>
+    <message>
+        <source>a frequency is written like &quot;800 MHz&quot; or &quot;2.4 GHz&quot;</source>
+        <translation>una frecuencia se escribe como &quot;800 MHz&quot; o &quot;2.4 GHz&quot;</translation>
+    </message>
+    <message>
+        <source>a size is written like &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>un tamaño se escribe como &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; o &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>not a whole number of 64 bits: %1</source>
+        <translation>no es un número entero de 64 bits: %1</translation>
+    </message>
+    <message>
+        <source>missing: %1</source>
+        <translation>falta: %1</translation>
+    </message>
+    <message>
+        <source>Purger</source>
+        <translation>Limpiador</translation>
+    </message>
+    <message>
+        <source>Disk tool</source>
+        <translation>Herramienta de discos</translation>
+    </message>
+    <message>
+        <source>Firewall tool</source>
+        <translation>Herramienta del cortafuegos</translation>
+    </message>
+    <message>
+        <source>%1: %2 %</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>[yes/no]</source>
+        <translation>[sí/no]</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -166,6 +166,322 @@
         <source>cannot say a line that does not begin with a name: %1</source>
         <translation>impossible de dire une ligne qui ne commence pas par un nom : %1</translation>
     </message>
+    <message>
+        <source>unknown</source>
+        <translation>inconnu</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Mounted at</source>
+        <translation>Monté sur</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>Total</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Libre</translation>
+    </message>
+    <message>
+        <source>Used</source>
+        <translation>Utilisé</translation>
+    </message>
+    <message>
+        <source>the disk tool diskutil is missing; it comes with macOS and is looked for in PATH</source>
+        <translation>l&apos;outil de disques diskutil est absent ; il est fourni avec macOS et cherché dans PATH</translation>
+    </message>
+    <message>
+        <source>diskutil tells of no mounted disk</source>
+        <translation>diskutil n&apos;indique aucun disque monté</translation>
+    </message>
+    <message>
+        <source>there is no %1</source>
+        <translation>%1 n&apos;existe pas</translation>
+    </message>
+    <message>
+        <source>no disk holds %1</source>
+        <translation>aucun disque ne contient %1</translation>
+    </message>
+    <message>
+        <source>not UTF-8: %1</source>
+        <translation>n&apos;est pas de l&apos;UTF-8 : %1</translation>
+    </message>
+    <message>
+        <source>the path is no text in this locale: %1</source>
+        <translation>le chemin n&apos;est pas du texte dans ces paramètres régionaux : %1</translation>
+    </message>
+    <message>
+        <source>a file</source>
+        <translation>un fichier</translation>
+    </message>
+    <message>
+        <source>a folder</source>
+        <translation>un dossier</translation>
+    </message>
+    <message>
+        <source>a link</source>
+        <translation>un lien</translation>
+    </message>
+    <message>
+        <source>a link to nothing</source>
+        <translation>un lien vers rien</translation>
+    </message>
+    <message>
+        <source>neither file nor folder</source>
+        <translation>ni fichier ni dossier</translation>
+    </message>
+    <message>
+        <source>not there</source>
+        <translation>absent</translation>
+    </message>
+    <message>
+        <source>the path does not begin with /</source>
+        <translation>le chemin ne commence pas par /</translation>
+    </message>
+    <message>
+        <source>a component of the path is &quot;..&quot;</source>
+        <translation>un élément du chemin est &quot;..&quot;</translation>
+    </message>
+    <message>
+        <source>language folders may be removed anywhere</source>
+        <translation>les dossiers de langue peuvent être supprimés partout</translation>
+    </message>
+    <message>
+        <source>%1 may be cleaned</source>
+        <translation>%1 peut être nettoyé</translation>
+    </message>
+    <message>
+        <source>it is on a writable volume</source>
+        <translation>il est sur un volume inscriptible</translation>
+    </message>
+    <message>
+        <source>under /Volumes only what exists may be removed</source>
+        <translation>sous /Volumes, seul ce qui existe peut être supprimé</translation>
+    </message>
+    <message>
+        <source>no writable volume holds it</source>
+        <translation>aucun volume inscriptible ne le contient</translation>
+    </message>
+    <message>
+        <source>it lies in no folder that may be cleaned</source>
+        <translation>il n&apos;est dans aucun dossier à nettoyer</translation>
+    </message>
+    <message>
+        <source>what may be removed may be searched</source>
+        <translation>ce qui peut être supprimé peut être parcouru</translation>
+    </message>
+    <message>
+        <source>%1 is a library folder of the system</source>
+        <translation>%1 est un dossier de bibliothèque du système</translation>
+    </message>
+    <message>
+        <source>it may not be removed and is in no library folder</source>
+        <translation>il ne peut être supprimé et n&apos;est dans aucun dossier de bibliothèque</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>oui</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>non</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>aucun</translation>
+    </message>
+    <message>
+        <source>What it is</source>
+        <translation>Ce que c&apos;est</translation>
+    </message>
+    <message>
+        <source>Safe to remove</source>
+        <translation>Suppression permise</translation>
+    </message>
+    <message>
+        <source>To be searched</source>
+        <translation>Parcours permis</translation>
+    </message>
+    <message>
+        <source>You may read it</source>
+        <translation>Vous pouvez le lire</translation>
+    </message>
+    <message>
+        <source>You may write it</source>
+        <translation>Vous pouvez l&apos;écrire</translation>
+    </message>
+    <message>
+        <source>You may remove it</source>
+        <translation>Vous pouvez le supprimer</translation>
+    </message>
+    <message>
+        <source>With all inside</source>
+        <translation>Avec tout son contenu</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>Application</translation>
+    </message>
+    <message>
+        <source>Language folder</source>
+        <translation>Dossier de langue</translation>
+    </message>
+    <message>
+        <source>Disk</source>
+        <translation>Disque</translation>
+    </message>
+    <message>
+        <source>the system does not tell its memory</source>
+        <translation>le système ne donne pas sa mémoire</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>Mémoire</translation>
+    </message>
+    <message>
+        <source>Cleaning the memory</source>
+        <translation>Nettoyage de la mémoire</translation>
+    </message>
+    <message>
+        <source>the purger cannot be started: %1</source>
+        <translation>le programme de nettoyage ne peut pas être lancé : %1</translation>
+    </message>
+    <message>
+        <source>Freed %1.</source>
+        <translation>%1 libérés.</translation>
+    </message>
+    <message>
+        <source>The time is over; %1 were freed.</source>
+        <translation>Le temps est écoulé ; %1 libérés.</translation>
+    </message>
+    <message>
+        <source>Stopped; %1 were freed.</source>
+        <translation>Arrêté ; %1 libérés.</translation>
+    </message>
+    <message>
+        <source>on, true, yes, 1, or off, false, no, 0</source>
+        <translation>on, true, yes, 1 ou off, false, no, 0</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>activé</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>désactivé</translation>
+    </message>
+    <message>
+        <source>bytes, or a size such as &quot;500 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>des octets ou une taille comme &quot;500 MB&quot; ou &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>a part of the memory between 0 and 1, such as 0.05, or a percentage such as 5%</source>
+        <translation>une part de la mémoire entre 0 et 1, comme 0.05, ou un pourcentage comme 5%</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>a date such as 2026-01-31, or none</source>
+        <translation>une date comme 2026-01-31, ou none</translation>
+    </message>
+    <message>
+        <source>%1 (no period)</source>
+        <translation>%1 (pas une période)</translation>
+    </message>
+    <message>
+        <source>a path that begins with /</source>
+        <translation>un chemin qui commence par /</translation>
+    </message>
+    <message>
+        <source>a URL such as https://example.org/help</source>
+        <translation>une URL comme https://example.org/help</translation>
+    </message>
+    <message>
+        <source>there is no setting %1; &quot;settings list&quot; names them</source>
+        <translation>il n&apos;y a pas de réglage %1 ; &quot;settings list&quot; les énumère</translation>
+    </message>
+    <message>
+        <source>the settings cannot be written: %1</source>
+        <translation>les réglages ne peuvent pas être écrits : %1</translation>
+    </message>
+    <message>
+        <source>No reminder.</source>
+        <translation>Aucun rappel.</translation>
+    </message>
+    <message>
+        <source>Next reminder: %1, counted from %2.</source>
+        <translation>Prochain rappel : %1, compté à partir du %2.</translation>
+    </message>
+    <message>
+        <source>Setting</source>
+        <translation>Réglage</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Valeur</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>Par défaut</translation>
+    </message>
+    <message>
+        <source>%1 is no value for %2, which takes %3</source>
+        <translation>%1 n&apos;est pas une valeur pour %2, qui admet %3</translation>
+    </message>
+    <message>
+        <source>name a setting, or all of them with --all</source>
+        <translation>nommez un réglage, ou tous avec --all</translation>
+    </message>
+    <message>
+        <source>Set all settings back to their defaults?</source>
+        <translation>Remettre tous les réglages à leurs valeurs par défaut ?</translation>
+    </message>
+    <message>
+        <source>nothing was changed; --yes needs no answer</source>
+        <translation>rien n&apos;a été changé ; --yes se passe de réponse</translation>
+    </message>
+    <message>
+        <source>a frequency is written like &quot;800 MHz&quot; or &quot;2.4 GHz&quot;</source>
+        <translation>une fréquence s&apos;écrit comme &quot;800 MHz&quot; ou &quot;2.4 GHz&quot;</translation>
+    </message>
+    <message>
+        <source>a size is written like &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>une taille s&apos;écrit comme &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; ou &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>not a whole number of 64 bits: %1</source>
+        <translation>n&apos;est pas un entier de 64 bits : %1</translation>
+    </message>
+    <message>
+        <source>missing: %1</source>
+        <translation>absent : %1</translation>
+    </message>
+    <message>
+        <source>Purger</source>
+        <translation>Nettoyeur</translation>
+    </message>
+    <message>
+        <source>Disk tool</source>
+        <translation>Outil de disques</translation>
+    </message>
+    <message>
+        <source>Firewall tool</source>
+        <translation>Outil du pare-feu</translation>
+    </message>
+    <message>
+        <source>%1: %2 %</source>
+        <translation>%1 : %2 %</translation>
+    </message>
+    <message>
+        <source>[yes/no]</source>
+        <translation>[oui/non]</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -166,6 +166,322 @@
         <source>cannot say a line that does not begin with a name: %1</source>
         <translation>名前で始まらない行は送れません: %1</translation>
     </message>
+    <message>
+        <source>unknown</source>
+        <translation>不明</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Mounted at</source>
+        <translation>マウント先</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>合計</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>空き</translation>
+    </message>
+    <message>
+        <source>Used</source>
+        <translation>使用</translation>
+    </message>
+    <message>
+        <source>the disk tool diskutil is missing; it comes with macOS and is looked for in PATH</source>
+        <translation>ディスクツール diskutil がありません。macOS に付属し、PATH から探されます</translation>
+    </message>
+    <message>
+        <source>diskutil tells of no mounted disk</source>
+        <translation>diskutil はマウントされたディスクを示しません</translation>
+    </message>
+    <message>
+        <source>there is no %1</source>
+        <translation>%1 はありません</translation>
+    </message>
+    <message>
+        <source>no disk holds %1</source>
+        <translation>%1 を含むディスクはありません</translation>
+    </message>
+    <message>
+        <source>not UTF-8: %1</source>
+        <translation>UTF-8 ではありません: %1</translation>
+    </message>
+    <message>
+        <source>the path is no text in this locale: %1</source>
+        <translation>このロケールではパスが文字列になりません: %1</translation>
+    </message>
+    <message>
+        <source>a file</source>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>a folder</source>
+        <translation>フォルダ</translation>
+    </message>
+    <message>
+        <source>a link</source>
+        <translation>リンク</translation>
+    </message>
+    <message>
+        <source>a link to nothing</source>
+        <translation>リンク先のないリンク</translation>
+    </message>
+    <message>
+        <source>neither file nor folder</source>
+        <translation>ファイルでもフォルダでもないもの</translation>
+    </message>
+    <message>
+        <source>not there</source>
+        <translation>存在しません</translation>
+    </message>
+    <message>
+        <source>the path does not begin with /</source>
+        <translation>パスが / で始まりません</translation>
+    </message>
+    <message>
+        <source>a component of the path is &quot;..&quot;</source>
+        <translation>パスの要素に &quot;..&quot; があります</translation>
+    </message>
+    <message>
+        <source>language folders may be removed anywhere</source>
+        <translation>言語フォルダはどこでも削除できます</translation>
+    </message>
+    <message>
+        <source>%1 may be cleaned</source>
+        <translation>%1 は整理の対象です</translation>
+    </message>
+    <message>
+        <source>it is on a writable volume</source>
+        <translation>書き込み可能なボリューム上にあります</translation>
+    </message>
+    <message>
+        <source>under /Volumes only what exists may be removed</source>
+        <translation>/Volumes の下では存在するものだけを削除できます</translation>
+    </message>
+    <message>
+        <source>no writable volume holds it</source>
+        <translation>これを含む書き込み可能なボリュームはありません</translation>
+    </message>
+    <message>
+        <source>it lies in no folder that may be cleaned</source>
+        <translation>整理の対象となるフォルダの中にありません</translation>
+    </message>
+    <message>
+        <source>what may be removed may be searched</source>
+        <translation>削除できるものは検索できます</translation>
+    </message>
+    <message>
+        <source>%1 is a library folder of the system</source>
+        <translation>%1 はシステムのライブラリフォルダです</translation>
+    </message>
+    <message>
+        <source>it may not be removed and is in no library folder</source>
+        <translation>削除できず、ライブラリフォルダの中にもありません</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>はい</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>いいえ</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>なし</translation>
+    </message>
+    <message>
+        <source>What it is</source>
+        <translation>種類</translation>
+    </message>
+    <message>
+        <source>Safe to remove</source>
+        <translation>削除の可否</translation>
+    </message>
+    <message>
+        <source>To be searched</source>
+        <translation>検索の可否</translation>
+    </message>
+    <message>
+        <source>You may read it</source>
+        <translation>読み取り権限</translation>
+    </message>
+    <message>
+        <source>You may write it</source>
+        <translation>書き込み権限</translation>
+    </message>
+    <message>
+        <source>You may remove it</source>
+        <translation>削除権限</translation>
+    </message>
+    <message>
+        <source>With all inside</source>
+        <translation>中身も含めた削除</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>アプリケーション</translation>
+    </message>
+    <message>
+        <source>Language folder</source>
+        <translation>言語フォルダ</translation>
+    </message>
+    <message>
+        <source>Disk</source>
+        <translation>ディスク</translation>
+    </message>
+    <message>
+        <source>the system does not tell its memory</source>
+        <translation>システムからメモリの情報を得られません</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>メモリ</translation>
+    </message>
+    <message>
+        <source>Cleaning the memory</source>
+        <translation>メモリを整理しています</translation>
+    </message>
+    <message>
+        <source>the purger cannot be started: %1</source>
+        <translation>整理プログラムを起動できません: %1</translation>
+    </message>
+    <message>
+        <source>Freed %1.</source>
+        <translation>%1 を解放しました。</translation>
+    </message>
+    <message>
+        <source>The time is over; %1 were freed.</source>
+        <translation>時間切れです。%1 を解放しました。</translation>
+    </message>
+    <message>
+        <source>Stopped; %1 were freed.</source>
+        <translation>中止しました。%1 を解放しました。</translation>
+    </message>
+    <message>
+        <source>on, true, yes, 1, or off, false, no, 0</source>
+        <translation>on, true, yes, 1 または off, false, no, 0</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>オン</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>オフ</translation>
+    </message>
+    <message>
+        <source>bytes, or a size such as &quot;500 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>バイト数、または &quot;500 MB&quot; や &quot;2 GB&quot; のようなサイズ</translation>
+    </message>
+    <message>
+        <source>a part of the memory between 0 and 1, such as 0.05, or a percentage such as 5%</source>
+        <translation>0.05 のような 0 から 1 までのメモリの割合、または 5% のような百分率</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>a date such as 2026-01-31, or none</source>
+        <translation>2026-01-31 のような日付、または none</translation>
+    </message>
+    <message>
+        <source>%1 (no period)</source>
+        <translation>%1（期間ではありません）</translation>
+    </message>
+    <message>
+        <source>a path that begins with /</source>
+        <translation>/ で始まるパス</translation>
+    </message>
+    <message>
+        <source>a URL such as https://example.org/help</source>
+        <translation>https://example.org/help のような URL</translation>
+    </message>
+    <message>
+        <source>there is no setting %1; &quot;settings list&quot; names them</source>
+        <translation>設定 %1 はありません。&quot;settings list&quot; で一覧できます</translation>
+    </message>
+    <message>
+        <source>the settings cannot be written: %1</source>
+        <translation>設定を書き込めません: %1</translation>
+    </message>
+    <message>
+        <source>No reminder.</source>
+        <translation>リマインダーはありません。</translation>
+    </message>
+    <message>
+        <source>Next reminder: %1, counted from %2.</source>
+        <translation>次のリマインダー: %1（%2 から起算）。</translation>
+    </message>
+    <message>
+        <source>Setting</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>値</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>既定値</translation>
+    </message>
+    <message>
+        <source>%1 is no value for %2, which takes %3</source>
+        <translation>%1 は %2 の値ではありません。使えるのは %3 です</translation>
+    </message>
+    <message>
+        <source>name a setting, or all of them with --all</source>
+        <translation>設定を 1 つ指定するか、--all ですべてを指定してください</translation>
+    </message>
+    <message>
+        <source>Set all settings back to their defaults?</source>
+        <translation>すべての設定を既定値に戻しますか?</translation>
+    </message>
+    <message>
+        <source>nothing was changed; --yes needs no answer</source>
+        <translation>何も変更されていません。--yes なら確認は不要です</translation>
+    </message>
+    <message>
+        <source>a frequency is written like &quot;800 MHz&quot; or &quot;2.4 GHz&quot;</source>
+        <translation>周波数は &quot;800 MHz&quot; や &quot;2.4 GHz&quot; のように書きます</translation>
+    </message>
+    <message>
+        <source>a size is written like &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>サイズは &quot;12 bytes&quot;、&quot;1.5 KB&quot;、&quot;20 MB&quot;、&quot;2 GB&quot; のように書きます</translation>
+    </message>
+    <message>
+        <source>not a whole number of 64 bits: %1</source>
+        <translation>64 ビットの整数ではありません: %1</translation>
+    </message>
+    <message>
+        <source>missing: %1</source>
+        <translation>ありません: %1</translation>
+    </message>
+    <message>
+        <source>Purger</source>
+        <translation>整理プログラム</translation>
+    </message>
+    <message>
+        <source>Disk tool</source>
+        <translation>ディスクツール</translation>
+    </message>
+    <message>
+        <source>Firewall tool</source>
+        <translation>ファイアウォールツール</translation>
+    </message>
+    <message>
+        <source>%1: %2 %</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>[yes/no]</source>
+        <translation>[はい/いいえ]</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

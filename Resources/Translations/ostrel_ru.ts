@@ -166,6 +166,322 @@
         <source>cannot say a line that does not begin with a name: %1</source>
         <translation>нельзя сказать строку, которая не начинается с имени: %1</translation>
     </message>
+    <message>
+        <source>unknown</source>
+        <translation>неизвестно</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Имя</translation>
+    </message>
+    <message>
+        <source>Mounted at</source>
+        <translation>Подключён в</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>Всего</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Свободно</translation>
+    </message>
+    <message>
+        <source>Used</source>
+        <translation>Занято</translation>
+    </message>
+    <message>
+        <source>the disk tool diskutil is missing; it comes with macOS and is looked for in PATH</source>
+        <translation>нет дисковой утилиты diskutil; она входит в macOS, и её ищут в PATH</translation>
+    </message>
+    <message>
+        <source>diskutil tells of no mounted disk</source>
+        <translation>diskutil не называет подключённых дисков</translation>
+    </message>
+    <message>
+        <source>there is no %1</source>
+        <translation>%1 не существует</translation>
+    </message>
+    <message>
+        <source>no disk holds %1</source>
+        <translation>ни один диск не содержит %1</translation>
+    </message>
+    <message>
+        <source>not UTF-8: %1</source>
+        <translation>не UTF-8: %1</translation>
+    </message>
+    <message>
+        <source>the path is no text in this locale: %1</source>
+        <translation>в этой локали путь не является текстом: %1</translation>
+    </message>
+    <message>
+        <source>a file</source>
+        <translation>файл</translation>
+    </message>
+    <message>
+        <source>a folder</source>
+        <translation>папка</translation>
+    </message>
+    <message>
+        <source>a link</source>
+        <translation>ссылка</translation>
+    </message>
+    <message>
+        <source>a link to nothing</source>
+        <translation>ссылка в никуда</translation>
+    </message>
+    <message>
+        <source>neither file nor folder</source>
+        <translation>ни файл, ни папка</translation>
+    </message>
+    <message>
+        <source>not there</source>
+        <translation>отсутствует</translation>
+    </message>
+    <message>
+        <source>the path does not begin with /</source>
+        <translation>путь не начинается с /</translation>
+    </message>
+    <message>
+        <source>a component of the path is &quot;..&quot;</source>
+        <translation>один из элементов пути — &quot;..&quot;</translation>
+    </message>
+    <message>
+        <source>language folders may be removed anywhere</source>
+        <translation>языковые папки можно удалять везде</translation>
+    </message>
+    <message>
+        <source>%1 may be cleaned</source>
+        <translation>%1 можно очищать</translation>
+    </message>
+    <message>
+        <source>it is on a writable volume</source>
+        <translation>он на томе, доступном для записи</translation>
+    </message>
+    <message>
+        <source>under /Volumes only what exists may be removed</source>
+        <translation>в /Volumes можно удалять только существующее</translation>
+    </message>
+    <message>
+        <source>no writable volume holds it</source>
+        <translation>ни один том, доступный для записи, его не содержит</translation>
+    </message>
+    <message>
+        <source>it lies in no folder that may be cleaned</source>
+        <translation>он не лежит в папке, которую можно очищать</translation>
+    </message>
+    <message>
+        <source>what may be removed may be searched</source>
+        <translation>что можно удалить, то можно и просматривать</translation>
+    </message>
+    <message>
+        <source>%1 is a library folder of the system</source>
+        <translation>%1 — системная папка библиотек</translation>
+    </message>
+    <message>
+        <source>it may not be removed and is in no library folder</source>
+        <translation>его нельзя удалить, и он не в папке библиотек</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>да</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>нет</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>нет</translation>
+    </message>
+    <message>
+        <source>What it is</source>
+        <translation>Что это</translation>
+    </message>
+    <message>
+        <source>Safe to remove</source>
+        <translation>Удалять можно</translation>
+    </message>
+    <message>
+        <source>To be searched</source>
+        <translation>Просматривать можно</translation>
+    </message>
+    <message>
+        <source>You may read it</source>
+        <translation>Вы можете читать</translation>
+    </message>
+    <message>
+        <source>You may write it</source>
+        <translation>Вы можете писать</translation>
+    </message>
+    <message>
+        <source>You may remove it</source>
+        <translation>Вы можете удалить</translation>
+    </message>
+    <message>
+        <source>With all inside</source>
+        <translation>Со всем содержимым</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>Приложение</translation>
+    </message>
+    <message>
+        <source>Language folder</source>
+        <translation>Языковая папка</translation>
+    </message>
+    <message>
+        <source>Disk</source>
+        <translation>Диск</translation>
+    </message>
+    <message>
+        <source>the system does not tell its memory</source>
+        <translation>система не сообщает о памяти</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>Память</translation>
+    </message>
+    <message>
+        <source>Cleaning the memory</source>
+        <translation>Очистка памяти</translation>
+    </message>
+    <message>
+        <source>the purger cannot be started: %1</source>
+        <translation>не удаётся запустить программу очистки: %1</translation>
+    </message>
+    <message>
+        <source>Freed %1.</source>
+        <translation>Освобождено: %1.</translation>
+    </message>
+    <message>
+        <source>The time is over; %1 were freed.</source>
+        <translation>Время вышло; освобождено: %1.</translation>
+    </message>
+    <message>
+        <source>Stopped; %1 were freed.</source>
+        <translation>Остановлено; освобождено: %1.</translation>
+    </message>
+    <message>
+        <source>on, true, yes, 1, or off, false, no, 0</source>
+        <translation>on, true, yes, 1 или off, false, no, 0</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>вкл.</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>выкл.</translation>
+    </message>
+    <message>
+        <source>bytes, or a size such as &quot;500 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>байты или размер, например &quot;500 MB&quot; или &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>a part of the memory between 0 and 1, such as 0.05, or a percentage such as 5%</source>
+        <translation>долю памяти от 0 до 1, например 0.05, или процент, например 5%</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>a date such as 2026-01-31, or none</source>
+        <translation>дату, например 2026-01-31, или none</translation>
+    </message>
+    <message>
+        <source>%1 (no period)</source>
+        <translation>%1 (не период)</translation>
+    </message>
+    <message>
+        <source>a path that begins with /</source>
+        <translation>путь, который начинается с /</translation>
+    </message>
+    <message>
+        <source>a URL such as https://example.org/help</source>
+        <translation>URL, например https://example.org/help</translation>
+    </message>
+    <message>
+        <source>there is no setting %1; &quot;settings list&quot; names them</source>
+        <translation>настройки %1 нет; их перечисляет &quot;settings list&quot;</translation>
+    </message>
+    <message>
+        <source>the settings cannot be written: %1</source>
+        <translation>не удаётся записать настройки: %1</translation>
+    </message>
+    <message>
+        <source>No reminder.</source>
+        <translation>Напоминаний нет.</translation>
+    </message>
+    <message>
+        <source>Next reminder: %1, counted from %2.</source>
+        <translation>Следующее напоминание: %1, считая от %2.</translation>
+    </message>
+    <message>
+        <source>Setting</source>
+        <translation>Настройка</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>Значение</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>По умолчанию</translation>
+    </message>
+    <message>
+        <source>%1 is no value for %2, which takes %3</source>
+        <translation>%1 — не значение для %2; допустимо: %3</translation>
+    </message>
+    <message>
+        <source>name a setting, or all of them with --all</source>
+        <translation>назовите настройку или все с помощью --all</translation>
+    </message>
+    <message>
+        <source>Set all settings back to their defaults?</source>
+        <translation>Вернуть всем настройкам значения по умолчанию?</translation>
+    </message>
+    <message>
+        <source>nothing was changed; --yes needs no answer</source>
+        <translation>ничего не изменено; с --yes ответ не нужен</translation>
+    </message>
+    <message>
+        <source>a frequency is written like &quot;800 MHz&quot; or &quot;2.4 GHz&quot;</source>
+        <translation>частоту пишут как &quot;800 MHz&quot; или &quot;2.4 GHz&quot;</translation>
+    </message>
+    <message>
+        <source>a size is written like &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>размер пишут как &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; или &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>not a whole number of 64 bits: %1</source>
+        <translation>не целое 64-битное число: %1</translation>
+    </message>
+    <message>
+        <source>missing: %1</source>
+        <translation>отсутствует: %1</translation>
+    </message>
+    <message>
+        <source>Purger</source>
+        <translation>Очистка</translation>
+    </message>
+    <message>
+        <source>Disk tool</source>
+        <translation>Дисковая утилита</translation>
+    </message>
+    <message>
+        <source>Firewall tool</source>
+        <translation>Утилита брандмауэра</translation>
+    </message>
+    <message>
+        <source>%1: %2 %</source>
+        <translation>%1: %2 %</translation>
+    </message>
+    <message>
+        <source>[yes/no]</source>
+        <translation>[да/нет]</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -166,6 +166,322 @@
         <source>cannot say a line that does not begin with a name: %1</source>
         <translation>无法发送不以名称开头的行：%1</translation>
     </message>
+    <message>
+        <source>unknown</source>
+        <translation>未知</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Mounted at</source>
+        <translation>挂载于</translation>
+    </message>
+    <message>
+        <source>Total</source>
+        <translation>总计</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>可用</translation>
+    </message>
+    <message>
+        <source>Used</source>
+        <translation>已用</translation>
+    </message>
+    <message>
+        <source>the disk tool diskutil is missing; it comes with macOS and is looked for in PATH</source>
+        <translation>缺少磁盘工具 diskutil；它随 macOS 提供，在 PATH 中查找</translation>
+    </message>
+    <message>
+        <source>diskutil tells of no mounted disk</source>
+        <translation>diskutil 未列出任何已挂载的磁盘</translation>
+    </message>
+    <message>
+        <source>there is no %1</source>
+        <translation>%1 不存在</translation>
+    </message>
+    <message>
+        <source>no disk holds %1</source>
+        <translation>没有磁盘包含 %1</translation>
+    </message>
+    <message>
+        <source>not UTF-8: %1</source>
+        <translation>不是 UTF-8：%1</translation>
+    </message>
+    <message>
+        <source>the path is no text in this locale: %1</source>
+        <translation>在此区域设置下该路径不是文本：%1</translation>
+    </message>
+    <message>
+        <source>a file</source>
+        <translation>文件</translation>
+    </message>
+    <message>
+        <source>a folder</source>
+        <translation>文件夹</translation>
+    </message>
+    <message>
+        <source>a link</source>
+        <translation>链接</translation>
+    </message>
+    <message>
+        <source>a link to nothing</source>
+        <translation>失效的链接</translation>
+    </message>
+    <message>
+        <source>neither file nor folder</source>
+        <translation>既非文件也非文件夹</translation>
+    </message>
+    <message>
+        <source>not there</source>
+        <translation>不存在</translation>
+    </message>
+    <message>
+        <source>the path does not begin with /</source>
+        <translation>路径不以 / 开头</translation>
+    </message>
+    <message>
+        <source>a component of the path is &quot;..&quot;</source>
+        <translation>路径中有一段是 &quot;..&quot;</translation>
+    </message>
+    <message>
+        <source>language folders may be removed anywhere</source>
+        <translation>语言文件夹在任何位置都可以移除</translation>
+    </message>
+    <message>
+        <source>%1 may be cleaned</source>
+        <translation>%1 可以清理</translation>
+    </message>
+    <message>
+        <source>it is on a writable volume</source>
+        <translation>它位于可写的宗卷上</translation>
+    </message>
+    <message>
+        <source>under /Volumes only what exists may be removed</source>
+        <translation>在 /Volumes 下只能移除存在的项目</translation>
+    </message>
+    <message>
+        <source>no writable volume holds it</source>
+        <translation>没有可写的宗卷包含它</translation>
+    </message>
+    <message>
+        <source>it lies in no folder that may be cleaned</source>
+        <translation>它不在任何可以清理的文件夹中</translation>
+    </message>
+    <message>
+        <source>what may be removed may be searched</source>
+        <translation>可以移除的都可以搜索</translation>
+    </message>
+    <message>
+        <source>%1 is a library folder of the system</source>
+        <translation>%1 是系统的资源库文件夹</translation>
+    </message>
+    <message>
+        <source>it may not be removed and is in no library folder</source>
+        <translation>它不可移除，也不在资源库文件夹中</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>是</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>否</translation>
+    </message>
+    <message>
+        <source>none</source>
+        <translation>无</translation>
+    </message>
+    <message>
+        <source>What it is</source>
+        <translation>类型</translation>
+    </message>
+    <message>
+        <source>Safe to remove</source>
+        <translation>可安全移除</translation>
+    </message>
+    <message>
+        <source>To be searched</source>
+        <translation>可搜索</translation>
+    </message>
+    <message>
+        <source>You may read it</source>
+        <translation>您可读取</translation>
+    </message>
+    <message>
+        <source>You may write it</source>
+        <translation>您可写入</translation>
+    </message>
+    <message>
+        <source>You may remove it</source>
+        <translation>您可移除</translation>
+    </message>
+    <message>
+        <source>With all inside</source>
+        <translation>连同其全部内容</translation>
+    </message>
+    <message>
+        <source>Application</source>
+        <translation>应用程序</translation>
+    </message>
+    <message>
+        <source>Language folder</source>
+        <translation>语言文件夹</translation>
+    </message>
+    <message>
+        <source>Disk</source>
+        <translation>磁盘</translation>
+    </message>
+    <message>
+        <source>the system does not tell its memory</source>
+        <translation>系统未提供内存信息</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>内存</translation>
+    </message>
+    <message>
+        <source>Cleaning the memory</source>
+        <translation>正在清理内存</translation>
+    </message>
+    <message>
+        <source>the purger cannot be started: %1</source>
+        <translation>无法启动清理程序：%1</translation>
+    </message>
+    <message>
+        <source>Freed %1.</source>
+        <translation>已释放 %1。</translation>
+    </message>
+    <message>
+        <source>The time is over; %1 were freed.</source>
+        <translation>时间已到；已释放 %1。</translation>
+    </message>
+    <message>
+        <source>Stopped; %1 were freed.</source>
+        <translation>已停止；已释放 %1。</translation>
+    </message>
+    <message>
+        <source>on, true, yes, 1, or off, false, no, 0</source>
+        <translation>on、true、yes、1 或 off、false、no、0</translation>
+    </message>
+    <message>
+        <source>on</source>
+        <translation>开</translation>
+    </message>
+    <message>
+        <source>off</source>
+        <translation>关</translation>
+    </message>
+    <message>
+        <source>bytes, or a size such as &quot;500 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>字节数，或 &quot;500 MB&quot;、&quot;2 GB&quot; 这样的大小</translation>
+    </message>
+    <message>
+        <source>a part of the memory between 0 and 1, such as 0.05, or a percentage such as 5%</source>
+        <translation>0 到 1 之间的内存比例（如 0.05），或百分比（如 5%）</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>a date such as 2026-01-31, or none</source>
+        <translation>2026-01-31 这样的日期，或 none</translation>
+    </message>
+    <message>
+        <source>%1 (no period)</source>
+        <translation>%1（不是周期）</translation>
+    </message>
+    <message>
+        <source>a path that begins with /</source>
+        <translation>以 / 开头的路径</translation>
+    </message>
+    <message>
+        <source>a URL such as https://example.org/help</source>
+        <translation>https://example.org/help 这样的 URL</translation>
+    </message>
+    <message>
+        <source>there is no setting %1; &quot;settings list&quot; names them</source>
+        <translation>没有设置 %1；&quot;settings list&quot; 会列出全部设置</translation>
+    </message>
+    <message>
+        <source>the settings cannot be written: %1</source>
+        <translation>无法写入设置：%1</translation>
+    </message>
+    <message>
+        <source>No reminder.</source>
+        <translation>无提醒。</translation>
+    </message>
+    <message>
+        <source>Next reminder: %1, counted from %2.</source>
+        <translation>下次提醒：%1，从 %2 算起。</translation>
+    </message>
+    <message>
+        <source>Setting</source>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>值</translation>
+    </message>
+    <message>
+        <source>Default</source>
+        <translation>默认值</translation>
+    </message>
+    <message>
+        <source>%1 is no value for %2, which takes %3</source>
+        <translation>%1 不是 %2 的值；可用的是：%3</translation>
+    </message>
+    <message>
+        <source>name a setting, or all of them with --all</source>
+        <translation>请指定一项设置，或用 --all 指定全部</translation>
+    </message>
+    <message>
+        <source>Set all settings back to their defaults?</source>
+        <translation>将所有设置恢复为默认值？</translation>
+    </message>
+    <message>
+        <source>nothing was changed; --yes needs no answer</source>
+        <translation>未作任何更改；使用 --yes 则无需回答</translation>
+    </message>
+    <message>
+        <source>a frequency is written like &quot;800 MHz&quot; or &quot;2.4 GHz&quot;</source>
+        <translation>频率的写法如 &quot;800 MHz&quot; 或 &quot;2.4 GHz&quot;</translation>
+    </message>
+    <message>
+        <source>a size is written like &quot;12 bytes&quot;, &quot;1.5 KB&quot;, &quot;20 MB&quot; or &quot;2 GB&quot;</source>
+        <translation>大小的写法如 &quot;12 bytes&quot;、&quot;1.5 KB&quot;、&quot;20 MB&quot; 或 &quot;2 GB&quot;</translation>
+    </message>
+    <message>
+        <source>not a whole number of 64 bits: %1</source>
+        <translation>不是 64 位整数：%1</translation>
+    </message>
+    <message>
+        <source>missing: %1</source>
+        <translation>缺少：%1</translation>
+    </message>
+    <message>
+        <source>Purger</source>
+        <translation>清理程序</translation>
+    </message>
+    <message>
+        <source>Disk tool</source>
+        <translation>磁盘工具</translation>
+    </message>
+    <message>
+        <source>Firewall tool</source>
+        <translation>防火墙工具</translation>
+    </message>
+    <message>
+        <source>%1: %2 %</source>
+        <translation>%1：%2 %</translation>
+    </message>
+    <message>
+        <source>[yes/no]</source>
+        <translation>[是/否]</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

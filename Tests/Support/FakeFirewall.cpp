@@ -20,7 +20,7 @@ FakeFirewall::FakeFirewall(const QString& path) : path(path)
 
 FakeFirewall::~FakeFirewall()
 {
-  for (const char* ending : {"", ".state", ".calls", ".fails"})
+  for (const char* ending : {"", ".state", ".calls", ".fails", ".newer"})
     QFile::remove(path + QLatin1String(ending));
 }
 
@@ -46,6 +46,11 @@ FakeFirewall::State FakeFirewall::Get() const
   for (int index = 4; index + 1 < fields.size(); index += 2)
     state.applications.append({fields.at(index), isOn(index + 1)});
   return state;
+}
+
+void FakeFirewall::BecomeNewer()
+{
+  WriteText(path + QLatin1String(".newer"), {});
 }
 
 void FakeFirewall::Fail(const QStringList& options)

@@ -40,6 +40,9 @@ public:
   void Set(const State& state);
   State Get() const;
 
+  /** Answers in the words of macOS 15 and later from now on. */
+  void BecomeNewer();
+
   /** These options fail from now on, and change nothing. */
   void Fail(const QStringList& options);
 

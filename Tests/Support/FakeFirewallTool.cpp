@@ -65,13 +65,21 @@ private:
     const auto isOn = [this](std::size_t index) { return fields[index] == "1"; };
     if (option == "--listapps")
       List();
+    else if (option == "--getglobalstate" && isNewer && isOn(0) && isOn(1))
+      std::puts("Firewall is blocking all non-essential incoming connections. (State = 2)");
     else if (option == "--getglobalstate")
       std::printf("Firewall is %s. (State = %s) \n", isOn(0) ? "enabled" : "disabled", isOn(0) ? "1" : "0");
+    else if (option == "--getblockall" && isNewer)
+      std::printf("Firewall has block all state set to %s.\n", isOn(1) ? "enabled" : "disabled");
     else if (option == "--getblockall")
       std::puts(isOn(1) ? "Firewall is set to block all non-essential incoming connections "
                         : "Block all DISABLED! ");
+    else if (option == "--getallowsigned" && isNewer)
+      std::printf("Automatically allow built-in signed software %s.\n", isOn(2) ? "ENABLED" : "DISABLED");
     else if (option == "--getallowsigned")
       std::printf("Automatically allow signed built-in software %s \n", isOn(2) ? "ENABLED" : "DISABLED");
+    else if (option == "--getstealthmode" && isNewer)
+      std::printf("Firewall stealth mode is %s\n", isOn(3) ? "on" : "off");
     else if (option == "--getstealthmode")
       std::printf("Stealth mode %s \n", isOn(3) ? "enabled" : "disabled");
     else
@@ -82,10 +90,11 @@ private:
   void List() const
   {
     const std::size_t count = (fields.size() - firstApplication) / 2;
-    std::printf("ALF: total number of apps = %zu \n\n", count);
+    std::printf(isNewer ? "Total number of apps = %zu \n" : "ALF: total number of apps = %zu \n\n", count);
     for (std::size_t i = 0; i < count; ++i)
-      std::printf("%zu :  %s \n \t ( %s incoming connections ) \n\n", i + 1,
-                  fields[firstApplication + 2 * i].c_str(),
+      std::printf(isNewer ? "%zu : %s \n             (%s incoming connections)\n"
+                          : "%zu :  %s \n \t ( %s incoming connections ) \n\n",
+                  i + 1, fields[firstApplication + 2 * i].c_str(),
                   fields[firstApplication + 2 * i + 1] == "1" ? "Block" : "Allow");
   }
 
@@ -146,6 +155,7 @@ private:
   }
 
   const std::string path;
+  const bool isNewer = access((path + ".newer").c_str(), F_OK) == 0; // speaks as macOS 15 and later do
   Words fields; // the four switches, then a path and its block state for each application
 };
 

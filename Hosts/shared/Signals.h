@@ -27,6 +27,9 @@ public:
   /** @return The number of the signal that has come; 0 for none. Any thread. */
   static int Caught();
 
+  /** From now on the first signal ends the process at once: for work that leaves nothing to tidy up. */
+  static void EndAtOnce();
+
   /** What to call, with the signal's number; at once when the signal has come already. */
   void OnSignal(std::function<void(int)> handler);
 

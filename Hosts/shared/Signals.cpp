@@ -15,11 +15,12 @@ namespace
 const int caughtSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 volatile std::sig_atomic_t caught = 0;
+volatile std::sig_atomic_t endsAtOnce = 0;
 int pipeEnds[2] = {-1, -1};
 
 extern "C" void HandleSignal(int number)
 {
-  if (caught != 0)
+  if (caught != 0 || endsAtOnce != 0)
     _exit(EndedBySignal + number);
   caught = number;
   const int savedError = errno;
@@ -72,6 +73,13 @@ Signals::~Signals() = default;
 int Signals::Caught()
 {
   return caught;
+}
+
+void Signals::EndAtOnce()
+{
+  endsAtOnce = 1;
+  if (caught != 0)
+    _exit(EndedBySignal + caught);
 }
 
 void Signals::OnSignal(std::function<void(int)> newHandler)

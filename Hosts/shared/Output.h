@@ -6,9 +6,12 @@
 
 #include <functional>
 
-/** @file What ostrel prints: results on standard output, line by line, everything else on standard error. */
+/** @file What the programs print: results on standard output, line by line, everything else on standard
+ * error. */
 namespace Ostrel
 {
+
+class Table;
 
 /** How results are printed. */
 enum class Format
@@ -37,8 +40,14 @@ public:
   /** Prints one result in the chosen format. @p human carries no line end and is safe to show. */
   void Print(const QByteArray& human, const QJsonObject& json);
 
+  /** Prints the lines of @p table, on a terminal no wider than it is. */
+  void PrintTable(const Table& table);
+
   /** @return Done while all lines were written, else the exit code that tells why not. */
   int Status() const { return status; }
+
+  /** @return Status(), for a line that was lost outweighs what else went well; else @p code. */
+  int Combine(int code) const { return status != 0 ? status : code; }
 
   /** What to call when the output closes, with the exit code. */
   void OnClosed(std::function<void(int)> handler);
@@ -53,10 +62,16 @@ private:
   std::function<void(int)> closedHandler;
 };
 
+/** @return @p fields with the keys "event" and "time", which is now. */
+QJsonObject MakeEvent(const QString& event, QJsonObject fields);
+
 /** @return @p object as one line of JSON without a line end, with no control character in it. */
 QByteArray ToJsonLine(const QJsonObject& object);
 
-/** Prints "ostrel: " and @p text, which must be safe to show, as a line on standard error. */
+/** Writes @p text, which must be safe to show, to standard error as it is. */
+void WriteError(const QString& text);
+
+/** Prints the program's name, ": " and @p text, which must be safe to show, as a line on standard error. */
 void PrintError(const QString& text);
 
 } // namespace Ostrel

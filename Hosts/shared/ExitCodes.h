@@ -2,8 +2,8 @@
 
 /**
  * @file
- * What ostrel's exit code says. The numbers are an interface: scripts test them and the manual lists them,
- * so a number that has been given out keeps its meaning.
+ * What the exit code of ostrel and ostrel-scheduler says. The numbers are an interface: scripts test them and
+ * the manual lists them, so a number that has been given out keeps its meaning.
  *
  * | code    | meaning                                                                  |
  * | ------- | ------------------------------------------------------------------------ |
@@ -11,6 +11,11 @@
  * | 1       | failed for a reason that has no number of its own; stderr tells           |
  * | 2       | the command line is wrong                                                |
  * | 3       | the time given with --timeout ran out                                    |
+ * | 10      | nothing to do                                                            |
+ * | 11      | a safety rule forbids it                                                 |
+ * | 12      | the system forbids it to this user                                       |
+ * | 13      | the administrator's authorisation was not given                          |
+ * | 14      | a tool of the system is missing                                          |
  * | 20      | no bus: nobody serves it, or its server has gone and no other may be made |
  * | 21      | the name is taken                                                        |
  * | 22      | could not join in time: the name is taken or the server does not answer   |
@@ -38,6 +43,12 @@ enum ExitCode
   Failed = 1,
   WrongUsage = 2,
   TimedOut = 3,
+
+  NothingToDo = 10,
+  Refused = 11,
+  NotPermitted = 12,
+  NotAuthorised = 13,
+  ToolMissing = 14,
 
   NoBus = 20,
   NameTaken = 21,

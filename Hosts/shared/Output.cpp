@@ -3,8 +3,11 @@
 #include "ExitCodes.h"
 #include "SafeText.h"
 #include "Signals.h"
+#include "Terminal.h"
 #include "Texts.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
 #include <QJsonDocument>
 
 #include <cerrno>
@@ -60,6 +63,13 @@ int GetStatus(int error)
 
 } // namespace
 
+QJsonObject MakeEvent(const QString& event, QJsonObject fields)
+{
+  fields.insert(QStringLiteral("event"), event);
+  fields.insert(QStringLiteral("time"), QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
+  return fields;
+}
+
 // JSON lets the controls beyond the first 32 through, and terminals obey some of them.
 QByteArray ToJsonLine(const QJsonObject& object)
 {
@@ -87,6 +97,13 @@ void Output::Print(const QByteArray& human, const QJsonObject& json)
   PrintLine(IsJson() ? ToJsonLine(json) : human);
 }
 
+void Output::PrintTable(const Table& table)
+{
+  const QStringList lines = table.ToLines(Style(STDOUT_FILENO), isTerminal ? GetWidth(STDOUT_FILENO) : 0);
+  for (const QString& line : lines)
+    PrintLine(line.toUtf8());
+}
+
 void Output::OnClosed(std::function<void(int)> handler)
 {
   closedHandler = std::move(handler);
@@ -110,9 +127,14 @@ void Output::Close(int error)
     closedHandler(status);
 }
 
+void WriteError(const QString& text)
+{
+  WriteAll(STDERR_FILENO, text.toUtf8());
+}
+
 void PrintError(const QString& text)
 {
-  WriteAll(STDERR_FILENO, "ostrel: " + text.toUtf8() + '\n');
+  WriteError(QCoreApplication::applicationName() + QStringLiteral(": ") + text + QLatin1Char('\n'));
 }
 
 } // namespace Ostrel

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Command.h"
+
+namespace CLI
+{
+class App;
+}
+
+namespace Ostrel
+{
+
+/** Adds "disk" with its verbs to @p app. Parsing a command line that names one stores it in @p command. */
+void AddDiskCommand(CLI::App& app, Command& command);
+
+} // namespace Ostrel

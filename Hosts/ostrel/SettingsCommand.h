@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Command.h"
+
+namespace CLI
+{
+class App;
+}
+
+namespace Ostrel
+{
+
+/** Adds "settings" with its verbs to @p app. Parsing a command line that names one stores it in @p command.
+ */
+void AddSettingsCommand(CLI::App& app, Command& command);
+
+} // namespace Ostrel

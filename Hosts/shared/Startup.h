@@ -1,0 +1,21 @@
+#pragma once
+
+/** @file What every program does before its real work. */
+namespace Ostrel
+{
+
+/**
+ * First of all in main(): gives the program its name, which PrintError() puts in front of errors, and opens
+ * /dev/null for standard descriptors that are missing.
+ */
+void BeginProgram(const char* name);
+
+/**
+ * After the application object: takes the user's language, sends the library's log to standard error, and
+ * seeds the pauses of elections.
+ *
+ * @param verbosity 0: errors only; 1: everything but details; more: those, too.
+ */
+void SetUpProgram(int verbosity);
+
+} // namespace Ostrel
