@@ -1,6 +1,8 @@
 // Drives the real executable as processes on a bus of their own, in the temporary directory of the test.
 
 #include "ExitCodes.h"
+#include "Support/HostProcess.h"
+#include "Support/Programs.h"
 
 #include <gtest/gtest.h>
 
@@ -12,174 +14,22 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QThread>
 
 #include <csignal>
-#include <functional>
 #include <memory>
-#include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
-#ifdef __linux__
-#include <sys/prctl.h>
-#endif
 
 using namespace Ostrel;
 
 namespace
 {
 
-constexpr int longWait = 30000; // ms; an upper bound for what takes well below a second
-
-/** Looks at @p fact again and again, at most longWait. */
-bool WaitFor(const std::function<bool()>& fact)
-{
-  for (QElapsedTimer time =
-           []
-       {
-         QElapsedTimer started;
-         started.start();
-         return started;
-       }();
-       time.elapsed() < longWait; QThread::msleep(2))
-    if (fact())
-      return true;
-  return fact();
-}
-
-/** A process of ostrel, which does not outlive the test. */
-class Ostrel : public QProcess
+class Ostrel : public HostProcess
 {
 public:
-  explicit Ostrel(const QStringList& arguments) : arguments(arguments)
-  {
-    setProgram(QStringLiteral(OSTREL));
-    setArguments(arguments);
-  }
-
-  ~Ostrel() override
-  {
-    if (state() != NotRunning)
-    {
-      ::kill(static_cast<pid_t>(processId()), SIGCONT);
-      terminate();
-      if (!waitForFinished(5000))
-        kill();
-      waitForFinished(5000);
-    }
-  }
-
-  Ostrel& Begin()
-  {
-    start();
-    EXPECT_TRUE(waitForStarted(longWait));
-    return *this;
-  }
-
-  void Signal(int number) { ::kill(static_cast<pid_t>(processId()), number); }
-
-  /** Hands @p lines to the standard input now; QProcess alone would wait for its event loop. */
-  void Type(const QByteArray& lines)
-  {
-    write(lines);
-    while (bytesToWrite() > 0 && waitForBytesWritten(longWait))
-      continue;
-    EXPECT_EQ(bytesToWrite(), 0);
-  }
-
-  /** @return The exit code; -1 when it did not end by itself. */
-  int Finish()
-  {
-    closeWriteChannel();
-    if (state() != NotRunning && !waitForFinished(longWait))
-    {
-      ADD_FAILURE() << "did not end: " << arguments.join(QLatin1Char(' ')).toStdString();
-      return -1;
-    }
-    return exitStatus() == NormalExit ? exitCode() : -1;
-  }
-
-  QByteArray Out()
-  {
-    out += readAllStandardOutput();
-    return out;
-  }
-
-  QByteArray Err()
-  {
-    err += readAllStandardError();
-    return err;
-  }
-
-  bool WaitForLine(const QByteArray& line)
-  {
-    return WaitForOutput([&] { return ("\n" + Out()).contains("\n" + line + "\n"); }, line);
-  }
-
-  bool WaitForError(const QByteArray& text)
-  {
-    return WaitForOutput([&] { return Err().contains(text); }, text);
-  }
-
-  QList<QJsonObject> Events()
-  {
-    QList<QJsonObject> events;
-    for (const QByteArray& line : Out().split('\n'))
-      if (!line.isEmpty())
-        events.append(QJsonDocument::fromJson(line).object());
-    return events;
-  }
-
-  /** @return The first event that has all of @p fields; an empty one when it does not come. */
-  QJsonObject WaitForEvent(const QJsonObject& fields)
-  {
-    QJsonObject found;
-    WaitForOutput(
-        [&]
-        {
-          for (const QJsonObject& event : Events())
-            if (found.isEmpty() && HasFields(event, fields))
-              found = event;
-          return !found.isEmpty();
-        },
-        QJsonDocument(fields).toJson(QJsonDocument::Compact));
-    return found;
-  }
-
-protected:
-  void setupChildProcess() override
-  {
-#ifdef __linux__
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-#endif
-  }
-
-private:
-  static bool HasFields(const QJsonObject& event, const QJsonObject& fields)
-  {
-    for (auto field = fields.begin(); field != fields.end(); ++field)
-      if (event.value(field.key()) != field.value())
-        return false;
-    return true;
-  }
-
-  bool WaitForOutput(const std::function<bool()>& fact, const QByteArray& what)
-  {
-    const bool isTrue = WaitFor(
-        [&]
-        {
-          waitForReadyRead(1);
-          return fact();
-        });
-    EXPECT_TRUE(isTrue) << "never came: " << what.toStdString() << "\nout: " << Out().toStdString()
-                        << "\nerr: " << Err().toStdString();
-    return isTrue;
-  }
-
-  QStringList arguments;
-  QByteArray out;
-  QByteArray err;
+  explicit Ostrel(const QStringList& arguments) : HostProcess(QStringLiteral(OSTREL), arguments) {}
 };
 
 using Process = std::unique_ptr<Ostrel>;
@@ -199,19 +49,9 @@ Process Listen(const QString& name, const QStringList& more = {})
   return listener;
 }
 
-struct Outcome
-{
-  int code;
-  QByteArray out;
-  QByteArray err;
-};
-
 Outcome RunBus(const QStringList& arguments, const QByteArray& input = {})
 {
-  Process process = Begin(arguments);
-  process->write(input);
-  const int code = process->Finish();
-  return {code, process->Out(), process->Err()};
+  return RunHost(QStringLiteral(OSTREL), QStringList{"bus"} + arguments, input);
 }
 
 QString GetSocketPath(const QString& contextName = QStringLiteral("ostrel"))
