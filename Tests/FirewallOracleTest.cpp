@@ -274,7 +274,7 @@ protected:
     tool->Fail(set.failing);
     tool->ForgetCalls();
     const Expected expected = Oracle(set.state, set.failing).Run(set.arguments);
-    const Outcome outcome = RunScript(GetParam(), script, set.arguments, folder);
+    const ScriptOutcome outcome = RunScript(GetParam(), script, set.arguments, folder);
     EXPECT_EQ(expected.status, outcome.status);
     EXPECT_EQ(expected.errors, outcome.errors.toStdString());
     EXPECT_STREQ("", outcome.output.constData());

@@ -47,7 +47,7 @@ protected:
       GTEST_SKIP() << "There is no " << GetParam().words.front() << " on this machine";
   }
 
-  Outcome Run(const QStringList& arguments)
+  ScriptOutcome Run(const QStringList& arguments)
   {
     QStringList words;
     for (std::size_t i = 1; i < GetParam().words.size(); ++i)
@@ -82,7 +82,7 @@ TEST_P(FirewallScriptTest, SetsSwitchesThenAddsRemovesBlocksAndUnblocks)
   FakeFirewall::State state;
   state.applications = {{"/old", true}, {"/kept", true}};
   tool->Set(state);
-  const Outcome outcome = Run({"on", "off", "on", "off", "/new;/other", "/old", "/new", "/kept"});
+  const ScriptOutcome outcome = Run({"on", "off", "on", "off", "/new;/other", "/old", "/new", "/kept"});
   EXPECT_EQ(0, outcome.status);
   EXPECT_STREQ("", outcome.output.constData());
   EXPECT_STREQ("", outcome.errors.constData());
@@ -101,7 +101,7 @@ TEST_P(FirewallScriptTest, AFailingStepIsReportedAndStopsNothing)
 {
   FindShell();
   tool->Fail({"--setglobalstate", "--add"});
-  const Outcome outcome = Run({"on", "on", "maybe", "on", "/a;/b", "", "/c", "-x"});
+  const ScriptOutcome outcome = Run({"on", "on", "maybe", "on", "/a;/b", "", "/c", "-x"});
   EXPECT_EQ(1, outcome.status);
   EXPECT_EQ("Firewall: --setglobalstate on: refused\n"
             "Firewall: --setallowsigned: neither on nor off: maybe\n"
@@ -123,7 +123,7 @@ TEST_P(FirewallScriptTest, AnythingButEightArgumentsIsRefusedWhole)
     QStringList arguments;
     for (int i = 0; i < count; ++i)
       arguments.append("on");
-    const Outcome outcome = Run(arguments);
+    const ScriptOutcome outcome = Run(arguments);
     EXPECT_EQ(64, outcome.status);
     EXPECT_EQ("Firewall: eight arguments are wanted, not " + QByteArray::number(count) + "\n",
               outcome.errors);
@@ -135,7 +135,7 @@ TEST_P(FirewallScriptTest, AMissingToolIsToldOnce)
 {
   FindShell();
   ASSERT_TRUE(QFile::remove(tool->Path()));
-  const Outcome outcome = Run({"on", "on", "on", "on", "/a", "", "", ""});
+  const ScriptOutcome outcome = Run({"on", "on", "on", "on", "/a", "", "", ""});
   EXPECT_EQ(1, outcome.status);
   EXPECT_EQ("Firewall: there is no " + tool->Path().toUtf8() + "\n", outcome.errors);
 }
@@ -153,7 +153,7 @@ TEST_P(FirewallScriptTest, NothingOfTheCallersEnvironmentOrFolderCounts)
   environment.insert("tool", "/bin/false");
   environment.insert("failures", "7");
   environment.insert("LC_ALL", "C.UTF-8");
-  const Outcome outcome = Run({"on", "off", "off", "off", "/a b;/o/o", "", "", "/o/o"});
+  const ScriptOutcome outcome = Run({"on", "off", "off", "off", "/a b;/o/o", "", "", "/o/o"});
   EXPECT_EQ(0, outcome.status);
   EXPECT_STREQ("", outcome.errors.constData());
   const std::vector<Call> calls = tool->Calls();

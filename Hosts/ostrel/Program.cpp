@@ -2,6 +2,7 @@
 
 #include "BusCommand.h"
 #include "ExitCodes.h"
+#include "FirewallCommand.h"
 #include "Signals.h"
 #include "Startup.h"
 
@@ -51,6 +52,7 @@ int RunProgram(int argc, char** argv)
   app.fallthrough();
   app.require_subcommand(1);
   AddBusCommand(app, command);
+  AddFirewallCommand(app, command);
   try
   {
     // Before the application object, which sets the user's locale: numbers are read the same way everywhere.

@@ -65,7 +65,7 @@ void ConfigureScript(const QString& source, const QString& tool, const QString& 
   WriteText(script, text.replace("@TAVRIK_FIREWALL_TOOL@", tool.toUtf8()));
 }
 
-Outcome RunScript(const Shell& shell, const QString& script, const std::vector<std::string>& arguments,
+ScriptOutcome RunScript(const Shell& shell, const QString& script, const std::vector<std::string>& arguments,
                   const QString& folder)
 {
   const QByteArray program = QFile::encodeName(FindShell(shell));
@@ -87,7 +87,7 @@ Outcome RunScript(const Shell& shell, const QString& script, const std::vector<s
   const pid_t child = fork();
   if (child == 0)
     BecomeShell(mutableWords, place.constData(), output.constData(), errors.constData());
-  Outcome outcome;
+  ScriptOutcome outcome;
   outcome.status = child < 0 ? -1 : WaitForEnd(child);
   outcome.output = TakeText(output);
   outcome.errors = TakeText(errors);

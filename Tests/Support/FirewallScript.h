@@ -28,7 +28,7 @@ QString FindShell(const Shell& shell);
 /** Writes the script @p source, as it is configured for the firewall tool at @p tool, to @p script. */
 void ConfigureScript(const QString& source, const QString& tool, const QString& script);
 
-struct Outcome
+struct ScriptOutcome
 {
   int status = -1; ///< The exit code; -1 when a signal ended it.
   QByteArray output;
@@ -40,5 +40,5 @@ struct Outcome
  *
  * @param folder Where it runs; its outputs lie there meanwhile.
  */
-Outcome RunScript(const Shell& shell, const QString& script, const std::vector<std::string>& arguments,
+ScriptOutcome RunScript(const Shell& shell, const QString& script, const std::vector<std::string>& arguments,
                   const QString& folder);
