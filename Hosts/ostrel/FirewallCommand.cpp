@@ -192,8 +192,7 @@ void PrintList(Output& output, const FirewallView& view)
     const bool isBlocked = view.isBlocked.value(path);
     entries.append(QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("blocked"), isBlocked}});
     if (!output.IsJson())
-      output.Print(
-          (isBlocked ? Texts::tr("blocked %1") : Texts::tr("allowed %1")).arg(ShowName(path)).toUtf8(), {});
+      output.Print((isBlocked ? "blocked " : "allowed ") + QuoteName(path), {});
   }
   if (output.IsJson())
     output.Print({}, {{QStringLiteral("applications"), entries}});

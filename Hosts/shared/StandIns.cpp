@@ -1,7 +1,6 @@
 #include "StandIns.h"
 
 #include "SafeText.h"
-#include "Texts.h"
 
 #include <Common/Firewall.h>
 
@@ -58,12 +57,12 @@ Tool FindDiskTool()
   return {path, !path.isEmpty() && path == FindStandIn(name)};
 }
 
-QString Describe(const QString& line, const Tool& tool)
+QString Describe(const QString& name, const Tool& tool)
 {
   if (tool.path.isEmpty())
-    return line.arg(Texts::tr("missing"));
-  const QString path = ShowText(tool.path);
-  return line.arg(tool.isStandIn ? Texts::tr("%1 (a stand-in)").arg(path) : path);
+    return name + QLatin1String(": missing");
+  const QString line = name + QLatin1String(": ") + ShowText(tool.path);
+  return tool.isStandIn ? line + QLatin1String(" (a stand-in)") : line;
 }
 
 } // namespace
@@ -90,8 +89,8 @@ bool ChooseFirewallTool()
 
 QStringList DescribeTools()
 {
-  return {Describe(Texts::tr("firewall tool: %1"), FindFirewallTool()),
-          Describe(Texts::tr("disk tool: %1"), FindDiskTool())};
+  return {Describe(QStringLiteral("firewall tool"), FindFirewallTool()),
+          Describe(QStringLiteral("disk tool"), FindDiskTool())};
 }
 
 } // namespace Ostrel
