@@ -301,6 +301,9 @@ int RunEdit(const Arguments& arguments)
 
 // The verbs on the command line ---------------------------------------------------------------------------
 
+constexpr double shortestTimeout = 0.001; // s
+constexpr double longestTimeout = 7 * 24 * 60 * 60;
+
 // The script's lists are separated by semicolons, the firewall's by line ends.
 QString ParsePath(const std::string& text)
 {
@@ -375,10 +378,13 @@ CLI::App* AddEditingVerb(CLI::App& firewall, const std::string& name, const std:
   verb->add_option_function<double>(
           "--timeout,-t",
           [arguments](double seconds)
-          { arguments->timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000)); },
+          {
+            if (!(seconds >= shortestTimeout && seconds <= longestTimeout)) // nor what is no number
+              throw CLI::ValidationError("--timeout", "a timeout must be between 0.001 and 604800 seconds");
+            arguments->timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000));
+          },
           "Wait so long for the change to appear (default: 30)")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(0.001, 604800.0));
+      ->type_name("SECONDS");
   return verb;
 }
 

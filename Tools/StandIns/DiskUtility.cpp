@@ -3,7 +3,7 @@
 #include "Mounts.h"
 
 #include <cstdio>
-#include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -161,25 +161,31 @@ void PrintWhole(const std::string& whole, std::uint64_t size)
   std::puts("");
 }
 
-int Info(const std::vector<Volume>& volumes, const std::string& disk)
+// Only the volumes that are wanted are asked, so that one that does not answer holds up nobody else's answer.
+std::vector<Volume> Select(const std::function<bool(const Volume&)>& isWanted)
 {
-  for (const Volume& volume : volumes)
+  std::vector<Volume> selected;
+  for (const Volume& volume : LoadVolumes())
+    if (isWanted(volume))
+      selected.push_back(volume);
+  return AskForSizes(selected);
+}
+
+int Info(const std::string& disk)
+{
+  const std::string identifier = WithoutDev(disk);
+  const std::vector<Volume> volumes = Select(
+      [&](const Volume& volume) { return identifier == volume.identifier || disk == volume.mountPoint; });
+  if (!volumes.empty())
   {
-    if (WithoutDev(disk) == volume.identifier || disk == volume.mountPoint)
-    {
-      PrintVolume(volume);
-      return 0;
-    }
+    PrintVolume(volumes.front());
+    return 0;
   }
-  for (const Volume& volume : volumes)
-  {
-    if (WithoutDev(disk) == volume.whole)
-    {
-      PrintWhole(volume.whole, SizeOfWhole(volumes, volume.whole));
-      return 0;
-    }
-  }
-  return ComplainAbout(disk);
+  const std::vector<Volume> parts = Select([&](const Volume& volume) { return identifier == volume.whole; });
+  if (parts.empty())
+    return ComplainAbout(disk);
+  PrintWhole(identifier, SizeOfWhole(parts, identifier));
+  return 0;
 }
 
 /// @}
@@ -188,9 +194,9 @@ int Run(const std::vector<std::string>& words)
 {
   const std::string verb = words.empty() ? "" : words[0];
   if (verb == "list" && words.size() <= 2)
-    return List(LoadVolumes(), words.size() == 2 ? WithoutDev(words[1]) : "");
+    return List(AskForSizes(LoadVolumes()), words.size() == 2 ? WithoutDev(words[1]) : "");
   if (verb == "info" && words.size() == 2)
-    return Info(LoadVolumes(), words[1]);
+    return Info(words[1]);
   std::fputs(usage, stderr);
   return failed;
 }

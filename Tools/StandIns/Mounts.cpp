@@ -316,10 +316,17 @@ std::vector<Volume> ParseMounts(const std::string& mountInfo)
   return MakeVolumes(ReadMounts(mountInfo));
 }
 
-void AskForSizes(std::vector<Volume>* volumes)
+std::vector<Volume> LoadVolumes()
+{
+  std::vector<Volume> volumes = ParseMounts(ReadFile("/proc/self/mountinfo"));
+  TakeLabels(&volumes);
+  return volumes;
+}
+
+std::vector<Volume> AskForSizes(std::vector<Volume> volumes)
 {
   std::vector<Question> questions;
-  for (const Volume& volume : *volumes)
+  for (const Volume& volume : volumes)
     questions.push_back(BeginToAsk(volume.mountPoint));
   const auto deadline = std::chrono::steady_clock::now() + longestAnswer;
   std::vector<Volume> folders;
@@ -329,22 +336,14 @@ void AskForSizes(std::vector<Volume>* volumes)
     const bool isAnswered = TakeAnswer(questions[i], deadline, &answer);
     if (isAnswered && !answer.isFolder)
       continue;
-    Volume& volume = (*volumes)[i];
+    Volume& volume = volumes[i];
     volume.hasSizes = answer.hasSizes;
     volume.totalSize = answer.totalSize;
     volume.freeSize = answer.freeSize;
     volume.blockSize = answer.blockSize;
     folders.push_back(volume);
   }
-  *volumes = folders;
-}
-
-std::vector<Volume> LoadVolumes()
-{
-  std::vector<Volume> volumes = ParseMounts(ReadFile("/proc/self/mountinfo"));
-  TakeLabels(&volumes);
-  AskForSizes(&volumes);
-  return volumes;
+  return folders;
 }
 
 } // namespace StandIns

@@ -30,10 +30,13 @@ struct Volume
  */
 std::vector<Volume> ParseMounts(const std::string& mountInfo);
 
-/** Asks every file system for its sizes, all at once; those that have not answered after 2 s go without. */
-void AskForSizes(std::vector<Volume>* volumes);
-
-/** @return The volumes of this machine with their sizes, without what is mounted on a file. */
+/** @return The volumes of this machine, without sizes. */
 std::vector<Volume> LoadVolumes();
+
+/**
+ * Asks every file system for its sizes, all at once; those that have not answered after 2 s go without. What
+ * turns out to be mounted on a file is left out.
+ */
+std::vector<Volume> AskForSizes(std::vector<Volume> volumes);
 
 } // namespace StandIns
