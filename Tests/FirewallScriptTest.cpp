@@ -1,5 +1,6 @@
 // The script that runs as root, under every shell of this machine, against a firewall tool with a state.
 
+#include "Support/FirewallScript.h"
 #include "Support/FakeFirewall.h"
 #include "Support/Programs.h"
 
@@ -12,11 +13,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 
-#include <algorithm>
 #include <memory>
-#include <ostream>
-#include <random>
-#include <string>
 #include <vector>
 
 using testing::ElementsAre;
@@ -26,29 +23,6 @@ using testing::IsEmpty;
 namespace
 {
 
-struct Shell
-{
-  const char* name;
-  std::vector<const char*> words;
-};
-
-void PrintTo(const Shell& shell, std::ostream* stream)
-{
-  *stream << shell.name;
-}
-
-const Shell shells[] = {{"Dash", {"dash"}},
-                        {"BashPosix", {"bash", "--posix"}},
-                        {"Busybox", {"busybox", "sh"}},
-                        {"Mksh", {"mksh"}}};
-
-struct Outcome
-{
-  int status;
-  QByteArray output;
-  QByteArray errors;
-};
-
 class FirewallScriptTest : public testing::TestWithParam<Shell>
 {
 protected:
@@ -56,9 +30,7 @@ protected:
   {
     ASSERT_TRUE(QDir().mkpath(folder));
     tool = std::make_unique<FakeFirewall>(folder + "/the tool");
-    QByteArray text = ReadText(TAVRIK_FIREWALL_SCRIPT);
-    ASSERT_THAT(text.toStdString(), HasSubstr("'@TAVRIK_FIREWALL_TOOL@'"));
-    WriteText(script, text.replace("@TAVRIK_FIREWALL_TOOL@", tool->Path().toUtf8()));
+    ConfigureScript(QStringLiteral(TAVRIK_FIREWALL_SCRIPT), tool->Path(), script);
   }
 
   void TearDown() override
@@ -70,12 +42,12 @@ protected:
   // Skips the test where the shell is not there.
   void FindShell()
   {
-    shell = QStandardPaths::findExecutable(GetParam().words.front());
+    shell = ::FindShell(GetParam());
     if (shell.isEmpty())
       GTEST_SKIP() << "There is no " << GetParam().words.front() << " on this machine";
   }
 
-  Outcome Run(const QStringList& arguments)
+  ScriptOutcome Run(const QStringList& arguments)
   {
     QStringList words;
     for (std::size_t i = 1; i < GetParam().words.size(); ++i)
@@ -102,98 +74,6 @@ INSTANTIATE_TEST_SUITE_P(Under, FirewallScriptTest, testing::ValuesIn(shells),
 
 using Call = FakeFirewall::Call;
 
-// What the script is to do, and what the tool then does.
-class Oracle
-{
-public:
-  Oracle(FakeFirewall::State state, const QStringList& failing) : state(std::move(state)), failing(failing) {}
-
-  int Run(const QStringList& arguments)
-  {
-    Switch("--setglobalstate", arguments[0], &FakeFirewall::State::isEnabled);
-    Switch("--setblockall", arguments[1], &FakeFirewall::State::blockAll);
-    Switch("--setallowsigned", arguments[2], &FakeFirewall::State::allowSigned);
-    Switch("--setstealthmode", arguments[3], &FakeFirewall::State::stealthMode);
-    Edit("--add", arguments[4]);
-    Edit("--remove", arguments[5]);
-    Edit("--blockapp", arguments[6]);
-    Edit("--unblockapp", arguments[7]);
-    return failures > 0 ? 1 : 0;
-  }
-
-  FakeFirewall::State state;
-  std::vector<Call> calls;
-  int failures = 0;
-
-private:
-  bool Tell(const char* option, const QString& value)
-  {
-    calls.push_back({option, value.toStdString()});
-    if (!failing.contains(option))
-      return true;
-    ++failures;
-    return false;
-  }
-
-  void Switch(const char* option, const QString& value, bool FakeFirewall::State::*field)
-  {
-    if (value != "on" && value != "off")
-      ++failures;
-    else if (Tell(option, value))
-      state.*field = value == "on";
-  }
-
-  void Edit(const char* option, const QString& list)
-  {
-    for (const QString& path : list.split(';', Qt::SkipEmptyParts))
-    {
-      if (!path.startsWith('/'))
-        ++failures;
-      else if (Tell(option, path))
-        Apply(option, path.toUtf8());
-    }
-  }
-
-  void Apply(const std::string& option, const QByteArray& path)
-  {
-    const auto listed = std::find_if(state.applications.begin(), state.applications.end(),
-                                     [&](const auto& application) { return application.first == path; });
-    const bool isListed = listed != state.applications.end();
-    if (option == "--add" && !isListed)
-      state.applications.append({path, false});
-    else if (option != "--add" && !isListed)
-      ++failures;
-    else if (option == "--remove")
-      state.applications.erase(listed);
-    else if (option != "--add")
-      listed->second = option == "--blockapp";
-  }
-
-  const QStringList failing;
-};
-
-const QStringList hostilePaths = {"/Applications/A.app",
-                                  "/Applications/B b.app",
-                                  "/a'b\"c",
-                                  "/$HOME/`touch hacked`/$(touch hacked)",
-                                  "/*/?[a-z]*",
-                                  "/back\\slash\\n\\",
-                                  "/two\nlines\n",
-                                  "/-n",
-                                  "/ ",
-                                  "/tab\there ",
-                                  "/& | > < ( ) { } ! # ~",
-                                  "/%s%n%d",
-                                  QString::fromUtf8("/\xd0\xb4\xd0\xb0.app"),
-                                  "--setglobalstate",
-                                  "-x",
-                                  "relative/path",
-                                  "*",
-                                  " /blank",
-                                  "~",
-                                  "\n",
-                                  ""};
-
 } // namespace
 
 TEST_P(FirewallScriptTest, SetsSwitchesThenAddsRemovesBlocksAndUnblocks)
@@ -202,7 +82,7 @@ TEST_P(FirewallScriptTest, SetsSwitchesThenAddsRemovesBlocksAndUnblocks)
   FakeFirewall::State state;
   state.applications = {{"/old", true}, {"/kept", true}};
   tool->Set(state);
-  const Outcome outcome = Run({"on", "off", "on", "off", "/new;/other", "/old", "/new", "/kept"});
+  const ScriptOutcome outcome = Run({"on", "off", "on", "off", "/new;/other", "/old", "/new", "/kept"});
   EXPECT_EQ(0, outcome.status);
   EXPECT_STREQ("", outcome.output.constData());
   EXPECT_STREQ("", outcome.errors.constData());
@@ -221,7 +101,7 @@ TEST_P(FirewallScriptTest, AFailingStepIsReportedAndStopsNothing)
 {
   FindShell();
   tool->Fail({"--setglobalstate", "--add"});
-  const Outcome outcome = Run({"on", "on", "maybe", "on", "/a;/b", "", "/c", "-x"});
+  const ScriptOutcome outcome = Run({"on", "on", "maybe", "on", "/a;/b", "", "/c", "-x"});
   EXPECT_EQ(1, outcome.status);
   EXPECT_EQ("Firewall: --setglobalstate on: refused\n"
             "Firewall: --setallowsigned: neither on nor off: maybe\n"
@@ -243,7 +123,7 @@ TEST_P(FirewallScriptTest, AnythingButEightArgumentsIsRefusedWhole)
     QStringList arguments;
     for (int i = 0; i < count; ++i)
       arguments.append("on");
-    const Outcome outcome = Run(arguments);
+    const ScriptOutcome outcome = Run(arguments);
     EXPECT_EQ(64, outcome.status);
     EXPECT_EQ("Firewall: eight arguments are wanted, not " + QByteArray::number(count) + "\n",
               outcome.errors);
@@ -255,7 +135,7 @@ TEST_P(FirewallScriptTest, AMissingToolIsToldOnce)
 {
   FindShell();
   ASSERT_TRUE(QFile::remove(tool->Path()));
-  const Outcome outcome = Run({"on", "on", "on", "on", "/a", "", "", ""});
+  const ScriptOutcome outcome = Run({"on", "on", "on", "on", "/a", "", "", ""});
   EXPECT_EQ(1, outcome.status);
   EXPECT_EQ("Firewall: there is no " + tool->Path().toUtf8() + "\n", outcome.errors);
 }
@@ -273,7 +153,7 @@ TEST_P(FirewallScriptTest, NothingOfTheCallersEnvironmentOrFolderCounts)
   environment.insert("tool", "/bin/false");
   environment.insert("failures", "7");
   environment.insert("LC_ALL", "C.UTF-8");
-  const Outcome outcome = Run({"on", "off", "off", "off", "/a b;/o/o", "", "", "/o/o"});
+  const ScriptOutcome outcome = Run({"on", "off", "off", "off", "/a b;/o/o", "", "", "/o/o"});
   EXPECT_EQ(0, outcome.status);
   EXPECT_STREQ("", outcome.errors.constData());
   const std::vector<Call> calls = tool->Calls();
@@ -281,52 +161,6 @@ TEST_P(FirewallScriptTest, NothingOfTheCallersEnvironmentOrFolderCounts)
   EXPECT_THAT(std::vector<Call>(calls.begin() + 4, calls.end()),
               ElementsAre(Call{"--add", "/a b"}, Call{"--add", "/o/o"}, Call{"--unblockapp", "/o/o"}));
   EXPECT_FALSE(QFile::exists(folder + "/hacked"));
-}
-
-TEST_P(FirewallScriptTest, RandomArgumentsDoWhatTheOracleSays)
-{
-  FindShell();
-  const int rounds = 60;
-  const QStringList options = {"--setglobalstate", "--setblockall", "--setallowsigned",
-                               "--setstealthmode", "--add",         "--remove",
-                               "--blockapp",       "--unblockapp"};
-  for (unsigned seed = 0; seed < rounds; ++seed)
-  {
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    const auto roll = [&](int sides) { return static_cast<int>(random() % static_cast<unsigned>(sides)); };
-    const auto somePaths = [&]
-    {
-      QStringList paths;
-      for (int count = roll(4); count > 0; --count)
-        paths.append(hostilePaths.at(roll(hostilePaths.size())));
-      return paths;
-    };
-
-    QStringList arguments;
-    for (int i = 0; i < 4; ++i)
-      arguments.append(QStringList{"on", "off", "on", "off", "on", "off", "", "ON"}.at(roll(8)));
-    for (int i = 0; i < 4; ++i)
-      arguments.append(somePaths().join(';'));
-    FakeFirewall::State state;
-    for (const QString& path : somePaths())
-      if (path.startsWith('/') && !state.applications.contains({path.toUtf8(), true}) &&
-          !state.applications.contains({path.toUtf8(), false}))
-        state.applications.append({path.toUtf8(), roll(2) == 0});
-    const QStringList failing = roll(3) == 0 ? QStringList{options.at(roll(options.size()))} : QStringList();
-
-    tool->Set(state);
-    tool->Fail(failing);
-    tool->ForgetCalls();
-    Oracle oracle(state, failing);
-    const int status = oracle.Run(arguments);
-    const Outcome outcome = Run(arguments);
-    ASSERT_EQ(status, outcome.status) << outcome.errors.constData();
-    ASSERT_EQ(oracle.calls, tool->Calls());
-    ASSERT_TRUE(oracle.state == tool->Get());
-    ASSERT_EQ(oracle.failures, (" " + outcome.errors).count("Firewall: ")) << outcome.errors.constData();
-    ASSERT_FALSE(QFile::exists(folder + "/hacked"));
-  }
 }
 
 TEST_P(FirewallScriptTest, AnybodyWhoStoppedListeningStopsNothing)

@@ -4,6 +4,7 @@
 #include "Completions.h"
 #include "DiskCommand.h"
 #include "ExitCodes.h"
+#include "FirewallCommand.h"
 #include "NoticesCommand.h"
 #include "PathCommand.h"
 #include "RAMCommand.h"
@@ -65,6 +66,7 @@ int RunProgram(int argc, char** argv)
   AddRAMCommand(app, command);
   AddSettingsCommand(app, command);
   AddSizeCommand(app, command);
+  AddFirewallCommand(app, command);
   AddNoticesCommand(app, command);
   AddCompletionsOption(app);
   try

@@ -1,5 +1,6 @@
 #include "Startup.h"
 
+#include "StandIns.h"
 #include "Texts.h"
 
 #include <QCoreApplication>
@@ -55,6 +56,7 @@ void BeginProgram(const char* name)
 void SetUpProgram(int verbosity)
 {
   InstallTranslations();
+  OfferStandIns();
   SetUpLog(verbosity);
   SeedRandomPauses();
 }

@@ -11,8 +11,8 @@ namespace Ostrel
 void BeginProgram(const char* name);
 
 /**
- * After the application object: takes the user's language, sends the library's log to standard error, and
- * seeds the pauses of elections.
+ * After the application object: takes the user's language, lets stand-ins be found, sends the library's log
+ * to standard error, and seeds the pauses of elections.
  *
  * @param verbosity 0: errors only; 1: everything but details; more: those, too.
  */

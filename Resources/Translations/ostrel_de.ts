@@ -558,6 +558,70 @@
         <source>the regular maintenance has been due since %1</source>
         <translation>die regelmäßige Wartung ist seit dem %1 fällig</translation>
     </message>
+    <message>
+        <source>there is no firewall tool on this machine</source>
+        <translation>auf diesem Rechner gibt es kein Firewall-Werkzeug</translation>
+    </message>
+    <message>
+        <source>Firewall: %1</source>
+        <translation>Firewall: %1</translation>
+    </message>
+    <message>
+        <source>Block all connections: %1</source>
+        <translation>Alle Verbindungen blockieren: %1</translation>
+    </message>
+    <message>
+        <source>Allow signed software: %1</source>
+        <translation>Signierte Software zulassen: %1</translation>
+    </message>
+    <message>
+        <source>Stealth mode: %1</source>
+        <translation>Tarnmodus: %1</translation>
+    </message>
+    <message>
+        <source>Applications: %1</source>
+        <translation>Programme: %1</translation>
+    </message>
+    <message>
+        <source>the firewall does not take this step: %1</source>
+        <translation>die Firewall nimmt diesen Schritt nicht an: %1</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the administrator&apos;s authorisation was not given</source>
+        <translation>nichts wurde geändert: die Erlaubnis eines Administrators wurde nicht erteilt</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the firewall&apos;s script could not be run</source>
+        <translation>nichts wurde geändert: das Skript der Firewall konnte nicht gestartet werden</translation>
+    </message>
+    <message>
+        <source>saved</source>
+        <translation>gesichert</translation>
+    </message>
+    <message>
+        <source>the firewall is not as it should be; what is missing:</source>
+        <translation>die Firewall ist nicht, wie sie sein soll; es fehlt:</translation>
+    </message>
+    <message>
+        <source>nothing to do: the firewall is like that already</source>
+        <translation>nichts zu tun: die Firewall ist schon so</translation>
+    </message>
+    <message>
+        <source>%1 is not an application: a folder whose name ends with .app is wanted</source>
+        <translation>%1 ist kein Programm: verlangt ist ein Ordner, dessen Name mit .app endet</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list</source>
+        <translation>%1 steht nicht in der Liste der Firewall</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list; add it first</source>
+        <translation>%1 steht nicht in der Liste der Firewall; zuerst hinzufügen</translation>
+    </message>
+    <message>
+        <source>contradictory orders for %1</source>
+        <translation>widersprüchliche Anweisungen für %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -558,6 +558,70 @@
         <source>the regular maintenance has been due since %1</source>
         <translation>el mantenimiento periódico está pendiente desde el %1</translation>
     </message>
+    <message>
+        <source>there is no firewall tool on this machine</source>
+        <translation>no hay herramienta de cortafuegos en este equipo</translation>
+    </message>
+    <message>
+        <source>Firewall: %1</source>
+        <translation>Cortafuegos: %1</translation>
+    </message>
+    <message>
+        <source>Block all connections: %1</source>
+        <translation>Bloquear todas las conexiones: %1</translation>
+    </message>
+    <message>
+        <source>Allow signed software: %1</source>
+        <translation>Permitir software firmado: %1</translation>
+    </message>
+    <message>
+        <source>Stealth mode: %1</source>
+        <translation>Modo encubierto: %1</translation>
+    </message>
+    <message>
+        <source>Applications: %1</source>
+        <translation>Aplicaciones: %1</translation>
+    </message>
+    <message>
+        <source>the firewall does not take this step: %1</source>
+        <translation>el cortafuegos no acepta este paso: %1</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the administrator&apos;s authorisation was not given</source>
+        <translation>no se ha cambiado nada: no se dio la autorización del administrador</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the firewall&apos;s script could not be run</source>
+        <translation>no se ha cambiado nada: no se pudo ejecutar el script del cortafuegos</translation>
+    </message>
+    <message>
+        <source>saved</source>
+        <translation>guardado</translation>
+    </message>
+    <message>
+        <source>the firewall is not as it should be; what is missing:</source>
+        <translation>el cortafuegos no está como debería; falta:</translation>
+    </message>
+    <message>
+        <source>nothing to do: the firewall is like that already</source>
+        <translation>nada que hacer: el cortafuegos ya está así</translation>
+    </message>
+    <message>
+        <source>%1 is not an application: a folder whose name ends with .app is wanted</source>
+        <translation>%1 no es una aplicación: se necesita una carpeta cuyo nombre termine en .app</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list</source>
+        <translation>%1 no está en la lista del cortafuegos</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list; add it first</source>
+        <translation>%1 no está en la lista del cortafuegos; añádala primero</translation>
+    </message>
+    <message>
+        <source>contradictory orders for %1</source>
+        <translation>órdenes contradictorias para %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

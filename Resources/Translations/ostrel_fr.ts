@@ -558,6 +558,70 @@
         <source>the regular maintenance has been due since %1</source>
         <translation>l&apos;entretien régulier est à faire depuis le %1</translation>
     </message>
+    <message>
+        <source>there is no firewall tool on this machine</source>
+        <translation>il n’y a pas d’outil de pare-feu sur cette machine</translation>
+    </message>
+    <message>
+        <source>Firewall: %1</source>
+        <translation>Pare-feu : %1</translation>
+    </message>
+    <message>
+        <source>Block all connections: %1</source>
+        <translation>Bloquer toutes les connexions : %1</translation>
+    </message>
+    <message>
+        <source>Allow signed software: %1</source>
+        <translation>Autoriser les logiciels signés : %1</translation>
+    </message>
+    <message>
+        <source>Stealth mode: %1</source>
+        <translation>Mode furtif : %1</translation>
+    </message>
+    <message>
+        <source>Applications: %1</source>
+        <translation>Applications : %1</translation>
+    </message>
+    <message>
+        <source>the firewall does not take this step: %1</source>
+        <translation>le pare-feu n’accepte pas cette étape : %1</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the administrator&apos;s authorisation was not given</source>
+        <translation>rien n’a changé : l’autorisation de l’administrateur n’a pas été donnée</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the firewall&apos;s script could not be run</source>
+        <translation>rien n’a changé : le script du pare-feu n’a pas pu être lancé</translation>
+    </message>
+    <message>
+        <source>saved</source>
+        <translation>enregistré</translation>
+    </message>
+    <message>
+        <source>the firewall is not as it should be; what is missing:</source>
+        <translation>le pare-feu n’est pas comme il devrait ; il manque :</translation>
+    </message>
+    <message>
+        <source>nothing to do: the firewall is like that already</source>
+        <translation>rien à faire : le pare-feu est déjà ainsi</translation>
+    </message>
+    <message>
+        <source>%1 is not an application: a folder whose name ends with .app is wanted</source>
+        <translation>%1 n’est pas une application : il faut un dossier dont le nom finit par .app</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list</source>
+        <translation>%1 n’est pas dans la liste du pare-feu</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list; add it first</source>
+        <translation>%1 n’est pas dans la liste du pare-feu ; ajoutez-la d’abord</translation>
+    </message>
+    <message>
+        <source>contradictory orders for %1</source>
+        <translation>ordres contradictoires pour %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

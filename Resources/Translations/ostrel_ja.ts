@@ -558,6 +558,70 @@
         <source>the regular maintenance has been due since %1</source>
         <translation>定期メンテナンスの期日は %1 でした</translation>
     </message>
+    <message>
+        <source>there is no firewall tool on this machine</source>
+        <translation>このコンピュータにはファイアウォールのツールがありません</translation>
+    </message>
+    <message>
+        <source>Firewall: %1</source>
+        <translation>ファイアウォール: %1</translation>
+    </message>
+    <message>
+        <source>Block all connections: %1</source>
+        <translation>すべての接続をブロック: %1</translation>
+    </message>
+    <message>
+        <source>Allow signed software: %1</source>
+        <translation>署名されたソフトウェアを許可: %1</translation>
+    </message>
+    <message>
+        <source>Stealth mode: %1</source>
+        <translation>ステルスモード: %1</translation>
+    </message>
+    <message>
+        <source>Applications: %1</source>
+        <translation>アプリケーション: %1</translation>
+    </message>
+    <message>
+        <source>the firewall does not take this step: %1</source>
+        <translation>ファイアウォールはこの手順を受け付けません: %1</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the administrator&apos;s authorisation was not given</source>
+        <translation>何も変更されていません: 管理者の承認が得られませんでした</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the firewall&apos;s script could not be run</source>
+        <translation>何も変更されていません: ファイアウォールのスクリプトを実行できませんでした</translation>
+    </message>
+    <message>
+        <source>saved</source>
+        <translation>保存しました</translation>
+    </message>
+    <message>
+        <source>the firewall is not as it should be; what is missing:</source>
+        <translation>ファイアウォールが期待どおりの状態ではありません。不足しているもの:</translation>
+    </message>
+    <message>
+        <source>nothing to do: the firewall is like that already</source>
+        <translation>行うことはありません: ファイアウォールはすでにその状態です</translation>
+    </message>
+    <message>
+        <source>%1 is not an application: a folder whose name ends with .app is wanted</source>
+        <translation>%1 はアプリケーションではありません: 名前が .app で終わるフォルダが必要です</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list</source>
+        <translation>%1 はファイアウォールのリストにありません</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list; add it first</source>
+        <translation>%1 はファイアウォールのリストにありません。先に追加してください</translation>
+    </message>
+    <message>
+        <source>contradictory orders for %1</source>
+        <translation>%1 に対する指示が矛盾しています</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

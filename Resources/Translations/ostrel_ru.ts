@@ -558,6 +558,70 @@
         <source>the regular maintenance has been due since %1</source>
         <translation>регулярное обслуживание пора провести с %1</translation>
     </message>
+    <message>
+        <source>there is no firewall tool on this machine</source>
+        <translation>на этом компьютере нет инструмента брандмауэра</translation>
+    </message>
+    <message>
+        <source>Firewall: %1</source>
+        <translation>Брандмауэр: %1</translation>
+    </message>
+    <message>
+        <source>Block all connections: %1</source>
+        <translation>Блокировать все подключения: %1</translation>
+    </message>
+    <message>
+        <source>Allow signed software: %1</source>
+        <translation>Разрешать подписанные программы: %1</translation>
+    </message>
+    <message>
+        <source>Stealth mode: %1</source>
+        <translation>Режим невидимости: %1</translation>
+    </message>
+    <message>
+        <source>Applications: %1</source>
+        <translation>Программы: %1</translation>
+    </message>
+    <message>
+        <source>the firewall does not take this step: %1</source>
+        <translation>брандмауэр не принимает этот шаг: %1</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the administrator&apos;s authorisation was not given</source>
+        <translation>ничего не изменено: разрешение администратора не получено</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the firewall&apos;s script could not be run</source>
+        <translation>ничего не изменено: не удалось запустить сценарий брандмауэра</translation>
+    </message>
+    <message>
+        <source>saved</source>
+        <translation>сохранено</translation>
+    </message>
+    <message>
+        <source>the firewall is not as it should be; what is missing:</source>
+        <translation>состояние брандмауэра не такое, как требуется; не хватает:</translation>
+    </message>
+    <message>
+        <source>nothing to do: the firewall is like that already</source>
+        <translation>делать нечего: брандмауэр уже в таком состоянии</translation>
+    </message>
+    <message>
+        <source>%1 is not an application: a folder whose name ends with .app is wanted</source>
+        <translation>%1 — не программа: нужна папка, имя которой оканчивается на .app</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list</source>
+        <translation>%1 нет в списке брандмауэра</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list; add it first</source>
+        <translation>%1 нет в списке брандмауэра; сначала добавьте</translation>
+    </message>
+    <message>
+        <source>contradictory orders for %1</source>
+        <translation>противоречивые указания для %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

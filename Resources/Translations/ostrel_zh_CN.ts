@@ -558,6 +558,70 @@
         <source>the regular maintenance has been due since %1</source>
         <translation>定期维护自 %1 起已到期</translation>
     </message>
+    <message>
+        <source>there is no firewall tool on this machine</source>
+        <translation>此计算机上没有防火墙工具</translation>
+    </message>
+    <message>
+        <source>Firewall: %1</source>
+        <translation>防火墙：%1</translation>
+    </message>
+    <message>
+        <source>Block all connections: %1</source>
+        <translation>阻止所有连接：%1</translation>
+    </message>
+    <message>
+        <source>Allow signed software: %1</source>
+        <translation>允许已签名的软件：%1</translation>
+    </message>
+    <message>
+        <source>Stealth mode: %1</source>
+        <translation>隐身模式：%1</translation>
+    </message>
+    <message>
+        <source>Applications: %1</source>
+        <translation>应用程序：%1</translation>
+    </message>
+    <message>
+        <source>the firewall does not take this step: %1</source>
+        <translation>防火墙不接受此步骤：%1</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the administrator&apos;s authorisation was not given</source>
+        <translation>未作任何更改：未获得管理员授权</translation>
+    </message>
+    <message>
+        <source>nothing is changed: the firewall&apos;s script could not be run</source>
+        <translation>未作任何更改：无法运行防火墙脚本</translation>
+    </message>
+    <message>
+        <source>saved</source>
+        <translation>已保存</translation>
+    </message>
+    <message>
+        <source>the firewall is not as it should be; what is missing:</source>
+        <translation>防火墙未达到应有的状态；缺少：</translation>
+    </message>
+    <message>
+        <source>nothing to do: the firewall is like that already</source>
+        <translation>无需操作：防火墙已处于该状态</translation>
+    </message>
+    <message>
+        <source>%1 is not an application: a folder whose name ends with .app is wanted</source>
+        <translation>%1 不是应用程序：需要名称以 .app 结尾的文件夹</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list</source>
+        <translation>%1 不在防火墙列表中</translation>
+    </message>
+    <message>
+        <source>%1 is not in the firewall&apos;s list; add it first</source>
+        <translation>%1 不在防火墙列表中；请先添加</translation>
+    </message>
+    <message>
+        <source>contradictory orders for %1</source>
+        <translation>对 %1 的指令互相矛盾</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>
