@@ -20,6 +20,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
@@ -39,6 +40,9 @@ const int givingWayLimit = 1000; // ms, for a server to notice that it has a suc
 const int lockTimeout = 3000;    // ms, after which the library goes on without the start-up lock
 const int settleTime = 300;      // ms of a connection in which the library sends nothing
 const std::size_t nobody = ~std::size_t(0);
+
+// Then it ends after the round that it is in.
+volatile std::sig_atomic_t isInterrupted = 0;
 
 // ---- Participants ---------------------------------------------------------------------------------------
 
@@ -806,6 +810,9 @@ int main(int argc, char** argv)
     return 2;
   }
 
+  for (const int signal : {SIGINT, SIGTERM})
+    std::signal(signal, [](int) { isInterrupted = 1; });
+
   QElapsedTimer time;
   time.start();
   std::mt19937 random(seed);
@@ -815,7 +822,7 @@ int main(int argc, char** argv)
     std::fprintf(stderr, "Chaos: the participants do not meet\n");
     return EXIT_FAILURE;
   }
-  for (int round = 1; round <= rounds; ++round)
+  for (int round = 1; round <= rounds && isInterrupted == 0; ++round)
   {
     const auto& [name, fault] = faults[random() % faults.size()];
     chaos.Play(round, name, fault);
