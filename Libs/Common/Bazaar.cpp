@@ -552,10 +552,11 @@ struct SocketFile
   ino_t node = 0;
   qint64 changed = 0;
 
-  bool operator==(const SocketFile& other) const
-  {
-    return device == other.device && node == other.node && changed == other.changed;
-  }
+  bool operator==(const SocketFile& other) const { return IsSameNode(other) && changed == other.changed; }
+
+  // Enough where the other's socket lives: its node is not given to anybody else.
+  bool IsSameNode(const SocketFile& other) const { return device == other.device && node == other.node; }
+  bool IsMissing() const { return device == 0 && node == 0; }
 };
 
 } // namespace Details
@@ -566,15 +567,55 @@ namespace
 Details::SocketFile LookAtSocketFile(const QString& serverName)
 {
   struct stat status = {};
-  if (stat(QFile::encodeName(serverName).constData(), &status) != 0)
+  if (stat(QFile::encodeName(serverName).constData(), &status) != 0 || !S_ISSOCK(status.st_mode))
     return {};
   return {status.st_dev, status.st_ino, QFileInfo(serverName).metadataChangeTime().toMSecsSinceEpoch()};
 }
+
+// Whether somebody else listens where the server with the file `own` did. He could not reach it: its file had
+// been removed, or he went on without the start-up lock.
+bool HasSuccessor(const QString& serverName, const Details::SocketFile& own)
+{
+  const Details::SocketFile present = LookAtSocketFile(serverName);
+  return !present.IsMissing() && !present.IsSameNode(own);
+}
+
+// A closing QLocalServer removes its file by name, whosever it has become. While this lives the file of a
+// successor is not found under that name.
+class SuccessorsFile
+{
+public:
+  SuccessorsFile(const QString& serverName, const Details::SocketFile& own)
+      : path(QFile::encodeName(serverName)),
+        aside(path + ".successor"),
+        isAside(HasSuccessor(serverName, own) && rename(path.constData(), aside.constData()) == 0)
+  {
+  }
+
+  ~SuccessorsFile()
+  {
+    if (isAside)
+      rename(aside.constData(), path.constData());
+  }
+
+  SuccessorsFile(const SuccessorsFile&) = delete;
+  SuccessorsFile& operator=(const SuccessorsFile&) = delete;
+
+private:
+  const QByteArray path;
+  const QByteArray aside;
+  const bool isAside;
+};
 
 // Another user may have squatted the name in a shared temporary directory.
 bool IsTrusted(const Platform::LocalPeer& peer)
 {
   return !peer.isKnown || peer.userId == getuid() || peer.userId == geteuid() || peer.userId == 0;
+}
+
+bool IsOwnProcess(const Platform::ProcessIdentity& process)
+{
+  return process.pid <= 0 || process.pid == getpid();
 }
 
 // Makes what is created in its scope the user's alone from the first instant.
@@ -757,6 +798,7 @@ public:
   bool isReplyOverdue = false; // whether the last handshake ended for that
   QVector<QByteArray> members;
   std::unique_ptr<QLocalServer> server; // listening, and `socket` is connected to it; or empty
+  Details::SocketFile ownFile;          // through which others connect to `server`
   QMap<QByteArray, QPointer<QLocalSocket>> clients;
   QHash<const QLocalSocket*, Details::Intake> intakes; // of `clients`
   QVector<Entrant> entrants;
@@ -952,6 +994,12 @@ bool Context::Impl::Init()
       isElected = true;
       if (!ConnectToElected())
         return FailAttempt(isTicking);
+      // Without the lock somebody else may have put his file there before or after the look at one's own.
+      if (server && (!IsOwnProcess(serverProcess) || !ownFile.IsSameNode(serverFile)))
+      {
+        ownFile = Details::SocketFile();
+        DropServer();
+      }
     }
   }
   ShakeHands();
@@ -1065,6 +1113,7 @@ void Context::Impl::BecomeServer()
       return;
   }
   QFile::setPermissions(serverName, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+  ownFile = LookAtSocketFile(serverName);
   server = std::move(candidate);
   QObject::connect(
       server.get(), &QLocalServer::newConnection, server.get(),
@@ -1200,8 +1249,10 @@ void Context::Impl::ScheduleReconnect()
   Pause(20000);
   if (server)
   {
+    const StartupLock lock(serverName);
     DropServer();
-    RemoveSocketFile();
+    if (!HasSuccessor(serverName, ownFile))
+      RemoveSocketFile();
   }
   Pause(20000 + Random() % 150000);
   reconnectRequested = true;
@@ -1216,21 +1267,18 @@ void Context::Impl::DropSocket()
   deferredStatus.clear();
 }
 
-// A closing QLocalServer removes its file by name, whosever it has become; the lock keeps a successor from
-// putting his there meanwhile.
+// Needs the start-up lock, or a successor may put his file there meanwhile.
 void Context::Impl::DropServer()
 {
   clientsTimer.stop();
   FirstAdmission::Release(this);
-  if (!server)
-    return;
   for (QLocalSocket* client : server->findChildren<QLocalSocket*>())
     client->disconnect();
   server->disconnect();
   clients.clear();
   intakes.clear();
   entrants.clear();
-  const StartupLock lock(serverName);
+  const SuccessorsFile kept(serverName, ownFile);
   server.reset();
 }
 
@@ -1241,7 +1289,8 @@ void Context::Impl::AddClient(QLocalSocket* client)
   if (!client)
     return;
   LimitReading(client);
-  if (FirstAdmission::Use(this))
+  const Platform::LocalPeer peer = Platform::GetLocalPeer(static_cast<int>(client->socketDescriptor()));
+  if (IsOwnProcess(peer.process) && FirstAdmission::Use(this))
   {
     AddOwnClient(client);
     return;
@@ -1491,6 +1540,11 @@ void Context::Impl::SendStatus()
 
 void Context::Impl::CheckClients()
 {
+  if (HasSuccessor(serverName, ownFile))
+  {
+    ScheduleReconnect();
+    return;
+  }
   CheckEntrants();
   for (const QByteArray& name : clients.keys())
     TakeAndRoute(name, clients.value(name));
@@ -1832,7 +1886,11 @@ void Context::Impl::Leave()
   clientsTimer.stop();
   stagedListeners.clear();
   listeners.clear();
-  DropServer();
+  if (server)
+  {
+    const StartupLock lock(serverName);
+    DropServer();
+  }
   members.clear();
   pending.clear();
   socketTimer.stop();

@@ -232,12 +232,6 @@ bool IsOurScript(const QByteArray& name, const QByteArray& content)
          reader.read(content.size() + 1) == content;
 }
 
-bool Exists(const QByteArray& name)
-{
-  struct stat information;
-  return !name.isEmpty() && lstat(name.constData(), &information) == 0;
-}
-
 /// @}
 
 // What the script is told to do with the paths.
@@ -307,8 +301,9 @@ private:
 
 Firewall::Impl::~Impl()
 {
-  if (Exists(ScriptName()) && unlink(ScriptName().constData()) != 0)
-    LOG(ERROR) << "Couldn't remove a temporary file: " << ScriptName().constData();
+  const QByteArray name = ScriptName();
+  if (!name.isEmpty() && unlink(name.constData()) != 0 && errno != ENOENT)
+    LOG(ERROR) << "Couldn't remove a temporary file: " << name.constData();
 }
 
 void Firewall::Impl::UpdateScript()

@@ -1,10 +1,10 @@
 #include <Common/RAMCleaner.h>
 
 #include <Common/Platform/ApplicationLocations.h>
+#include <Common/Platform/ChildProcess.h>
 #include <Common/RAMInfo.h>
 
 #include <QPointer>
-#include <QProcess>
 #include <QTimerEvent>
 
 #include <glog/logging.h>
@@ -55,7 +55,7 @@ public:
   vm_statistics64 statistics = {};
   quint32 freePagesBefore = 0;
   quint32 freePagesAfter = 0;
-  std::unique_ptr<QProcess> purgerProcess = std::make_unique<QProcess>();
+  std::unique_ptr<QProcess> purgerProcess = std::make_unique<Platform::ChildProcess>();
   int progress = 0; // percent
   int run = 0;      // which run it is; a slot may have ended one and begun another
   bool isTellingEnd = false;
@@ -101,7 +101,7 @@ bool RAMCleaner::Clean()
   if (impl->purgerProcess->state() != QProcess::NotRunning)
   {
     QProcess* const ending = impl->purgerProcess.release();
-    impl->purgerProcess = std::make_unique<QProcess>();
+    impl->purgerProcess = std::make_unique<Platform::ChildProcess>();
     ending->setParent(this);
     connect(ending, &QProcess::stateChanged, ending,
             [ending](QProcess::ProcessState state)

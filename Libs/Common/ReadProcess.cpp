@@ -1,7 +1,8 @@
 #include <Common/ReadProcess.h>
 
+#include <Common/Platform/ChildProcess.h>
+
 #include <QByteArray>
-#include <QProcess>
 
 namespace Tavrik::Cleaner
 {
@@ -13,7 +14,7 @@ const int longestRun = 30000; // ms
 
 QString ReadOutput(const QString& program, const QStringList& arguments, int wait)
 {
-  QProcess process;
+  Platform::ChildProcess process;
   process.start(program, arguments, QIODevice::ReadWrite);
   // A tool that reads its input would otherwise wait for it until its time is up.
   process.closeWriteChannel();

@@ -6,11 +6,13 @@
 //   blink                   leaves and comes back
 //   quit                    leaves
 //
-// and telling what it hears on its standard output. At the end of its input it leaves, too.
+// and telling what it hears on its standard output, and besides the id of what it said (`said ID`) and when,
+// in milliseconds, it connected to a server (`connected TIME`). At the end of its input it leaves, too.
 
 #include <Common/Bazaar.h>
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QRandomGenerator>
 #include <QSocketNotifier>
 #include <QStringList>
@@ -22,6 +24,10 @@
 #include <cstdlib>
 #include <memory>
 #include <unistd.h>
+#ifdef __linux__
+#include <csignal>
+#include <sys/prctl.h>
+#endif
 
 using namespace Tavrik;
 
@@ -54,6 +60,21 @@ public:
   void OnMemberLeft(const QString& name) override { Tell(QStringLiteral("left %1").arg(name)); }
 };
 
+// Tells of connections in the order in which they and everything else happened.
+class ConnectionTeller : public google::LogSink
+{
+public:
+  ConnectionTeller() { google::AddLogSink(this); }
+  ~ConnectionTeller() override { google::RemoveLogSink(this); }
+
+  void send(google::LogSeverity, const char*, const char*, int, const google::LogMessageTime&,
+            const char* message, std::size_t length) override
+  {
+    if (QByteArray::fromRawData(message, static_cast<int>(length)).contains(" has connected to a server ("))
+      Tell(QStringLiteral("connected %1").arg(QDeadlineTimer::current().deadline()));
+  }
+};
+
 class Participant
 {
 public:
@@ -63,7 +84,12 @@ public:
   {
     const QList<QByteArray> words = line.split(' ');
     if (words.value(0) == "say")
-      context->Say(QString::fromUtf8(words.value(1)), QByteArray::fromBase64(words.value(2)));
+    {
+      const long long id =
+          context->Say(QString::fromUtf8(words.value(1)), QByteArray::fromBase64(words.value(2)));
+      if (arguments.size() > 4)
+        Tell(QStringLiteral("said %1").arg(id));
+    }
     else if (words.value(0) == "fill")
       context->Say(QString::fromUtf8(words.value(1)), QByteArray(words.value(2).toInt(), 'x'));
     else if (words.value(0) == "members")
@@ -92,15 +118,19 @@ private:
 
 } // namespace
 
-// CONTEXT NAME FLAGS
+// CONTEXT NAME FLAGS [SEED]
 int main(int argc, char** argv)
 {
+#ifdef __linux__
+  // A stopped one does not see the end of its input.
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
   google::InitGoogleLogging(argv[0]);
   FLAGS_logtostderr = true;
   QCoreApplication application(argc, argv);
   QT_WARNING_PUSH
   QT_WARNING_DISABLE_DEPRECATED
-  qsrand(QRandomGenerator::global()->generate());
+  qsrand(argc > 4 ? QByteArray(argv[4]).toUInt() : QRandomGenerator::global()->generate());
   QT_WARNING_POP
 
   // Even a participant whose start-up never returns has to go when its leader has gone.
@@ -118,6 +148,9 @@ int main(int argc, char** argv)
       isBusy = false;
     }
   };
+  std::unique_ptr<ConnectionTeller> connectionTeller;
+  if (argc > 4)
+    connectionTeller = std::make_unique<ConnectionTeller>();
   QSocketNotifier notifier(STDIN_FILENO, QSocketNotifier::Read);
   QObject::connect(&notifier, &QSocketNotifier::activated,
                    [&]

@@ -4,12 +4,13 @@
 
 #include <csignal>
 
-Peer::Peer(const QString& context, const QString& name, int flags) : name(name)
+Peer::Peer(const QString& context, const QString& name, int flags, const QStringList& arguments) : name(name)
 {
   QObject::connect(&process, &QProcess::readyReadStandardOutput, &process, [this] { Read(); });
   QObject::connect(&process, &QProcess::readyReadStandardError, &process,
                    [this] { log += process.readAllStandardError(); });
-  process.start(QStringLiteral(TAVRIK_PARTICIPANT), {context, name, QString::number(flags)});
+  process.start(QStringLiteral(TAVRIK_PARTICIPANT),
+                QStringList{context, name, QString::number(flags)} + arguments);
   process.waitForStarted();
 }
 
@@ -26,7 +27,13 @@ Peer::~Peer()
 void Peer::Read()
 {
   while (process.canReadLine())
-    lines.append(QString::fromUtf8(process.readLine()).chopped(1));
+  {
+    const QString line = QString::fromUtf8(process.readLine()).chopped(1);
+    if (heard)
+      heard(line);
+    else
+      lines.append(line);
+  }
 }
 
 void Peer::Tell(const QString& line)

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,12 @@
 class Peer
 {
 public:
-  /** Starts it and returns at once. */
-  Peer(const QString& context, const QString& name, int flags = 0);
+  /**
+   * Starts it and returns at once.
+   *
+   * @param arguments What the participant is given beyond its flags.
+   */
+  Peer(const QString& context, const QString& name, int flags = 0, const QStringList& arguments = {});
   ~Peer();
 
   Peer(const Peer&) = delete;
@@ -40,8 +45,10 @@ public:
   QStringList Of(const QString& beginning);
 
   QString name;
-  QStringList lines; ///< What it has told so far.
-  QByteArray log;    ///< What it has written to its standard error.
+  QStringList lines; ///< What it has told so far; nothing while `heard` is set.
+  /** Called with each line that it tells. */
+  std::function<void(const QString&)> heard;
+  QByteArray log; ///< What it has written to its standard error.
   QProcess process;
 
 private:

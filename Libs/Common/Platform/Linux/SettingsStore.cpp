@@ -15,6 +15,10 @@
 // it was. The kernel's clock for that time ticks every few milliseconds, so two changes of one length within
 // a tick look alike: a reader misses the second, and a writer that misses it writes the first one's state
 // back. Hence writers follow each other under a lock, and each leaves a time that no earlier state had.
+//
+// QSaveFile of Qt 5.15 does not look at whether its last bytes were written: on a full disk it puts an empty
+// file in the place of the settings. Hence the former file is kept by a second name until the new one has
+// been looked at.
 
 namespace Tavrik::Platform
 {
@@ -50,13 +54,61 @@ void SetModificationTime(const QString& file, qint64 milliseconds)
     changed.setFileTime(QDateTime::fromMSecsSinceEpoch(milliseconds), QFileDevice::FileModificationTime);
 }
 
+class FormerFile
+{
+public:
+  explicit FormerFile(const QString& file) : path(QFile::encodeName(QFileInfo(file).canonicalFilePath()))
+  {
+    if (path.isEmpty())
+      return;
+    kept = path + ".former";
+    unlink(kept.constData());
+    lines = CountLines();
+    isKept = link(path.constData(), kept.constData()) == 0;
+  }
+
+  ~FormerFile()
+  {
+    if (!isKept)
+      return;
+    // Each setting is a line, and no change takes one away.
+    const int now = CountLines();
+    if (now != unknown && now < lines && rename(kept.constData(), path.constData()) == 0)
+      return;
+    unlink(kept.constData());
+  }
+
+  FormerFile(const FormerFile&) = delete;
+  FormerFile& operator=(const FormerFile&) = delete;
+
+private:
+  static constexpr int unknown = -1;
+
+  int CountLines() const
+  {
+    QFile file(QFile::decodeName(path));
+    if (!file.open(QIODevice::ReadOnly))
+      return unknown;
+    const QByteArray text = file.readAll();
+    return file.error() == QFileDevice::NoError ? text.count('\n') : unknown;
+  }
+
+  const QByteArray path;
+  QByteArray kept;
+  int lines = unknown;
+  bool isKept = false;
+};
+
 } // namespace
 
 void ChangeStore(const QString& fileName, const std::function<void()>& change)
 {
   const int lock = Lock(QFileInfo(fileName).absolutePath());
   const qint64 before = ModificationTime(fileName);
-  change();
+  {
+    const FormerFile former(fileName);
+    change();
+  }
   SetModificationTime(fileName, std::max(QDateTime::currentMSecsSinceEpoch(), before + 1));
   if (lock >= 0)
     close(lock);

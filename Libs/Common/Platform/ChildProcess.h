@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QProcess>
+
+namespace Tavrik::Platform
+{
+
+/**
+ * A QProcess that notices when the system refuses it a process.
+ *
+ * For a QProcess itself, and no class derived from it, Qt 5.15 takes a failed clone() on Linux for a running
+ * process with the id -1; to end that one, as its destructor does, is to kill every process that the user
+ * may. A derived one is made by fork(), whose failure Qt looks at.
+ */
+class ChildProcess : public QProcess
+{
+public:
+  using QProcess::QProcess;
+};
+
+} // namespace Tavrik::Platform
