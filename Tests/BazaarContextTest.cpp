@@ -4,6 +4,7 @@
 
 #include "Support/LogCapture.h"
 #include "Support/Peer.h"
+#include "Support/Processes.h"
 #include "Support/Recorder.h"
 #include "Support/Spin.h"
 #include "Support/Wire.h"
@@ -163,7 +164,7 @@ TEST(LockFile, HeldByAnotherDelaysTheStartButNeverPreventsIt)
     EXPECT_TRUE(anna.context->WaitMember(QStringLiteral("anna"), 5000));
   }
   kill(holder, SIGKILL);
-  waitpid(holder, nullptr, 0);
+  WaitForEnd(holder);
 }
 
 TEST(Names, TwoClientsOfOneContextInOneProcessBothWork)

@@ -1,3 +1,4 @@
+#include "Support/Processes.h"
 #include <Common/DaemonSettings.h>
 
 #include <gmock/gmock.h>
@@ -67,8 +68,7 @@ pid_t StartProcess(const std::function<bool()>& body)
 
 bool Succeeds(pid_t process)
 {
-  int status = -1;
-  return waitpid(process, &status, 0) == process && status == 0;
+  return WaitForEnd(process) == 0;
 }
 
 class Pipe

@@ -154,7 +154,9 @@ TEST_P(ManualTest, ListsNoExitCodeThatIsNotInTheTableOfAll)
   EXPECT_FALSE(FindAll(section, "^\\| (\\d+)\\b[^|]*\\|").isEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, ManualTest, testing::Values(Program{"ostrel", OSTREL}),
+INSTANTIATE_TEST_SUITE_P(Of, ManualTest,
+                         testing::Values(Program{"ostrel", OSTREL},
+                                         Program{"ostrel-scheduler", OSTREL_SCHEDULER}),
                          [](const auto& program)
                          {
                            std::string name = program.param.name;

@@ -2,6 +2,7 @@
 // of a name of its own, because the doctor finds buses of the same name in other temporary folders, too.
 
 #include "ExitCodes.h"
+#include "Support/Processes.h"
 
 #include <gtest/gtest.h>
 
@@ -356,9 +357,7 @@ TEST(Doctor, FindsAServerOfAnotherUserAndTellsHimNothing)
   const Answer answer = Ask();
   EXPECT_EQ(answer.code, ForeignSocket);
   EXPECT_TRUE(answer.text.contains("the user with the number 4321"));
-  int status = -1;
-  EXPECT_EQ(waitpid(stranger, &status, 0), stranger);
-  EXPECT_EQ(status, 0) << "something was said to the stranger";
+  EXPECT_EQ(WaitForEnd(stranger), 0) << "something was said to the stranger";
   close(told[0]);
   close(told[1]);
 }

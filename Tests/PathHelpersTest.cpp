@@ -1,3 +1,4 @@
+#include "Support/Processes.h"
 #include <Common/PathHelpers.h>
 
 #include <gtest/gtest.h>
@@ -220,9 +221,7 @@ TEST(GetUserIdString, TellsTheTwoIdsApart)
                          GetEffectiveUserIdString() == "1234";
     _exit(isRight ? 0 : 1);
   }
-  int status = -1;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_EQ(status, 0);
+  EXPECT_EQ(WaitForEnd(child), 0);
 }
 
 } // namespace

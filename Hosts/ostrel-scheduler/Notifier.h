@@ -34,7 +34,13 @@ private:
   void StartNext();
   void End(bool isShown);
 
-  QProcess process;
+  // Qt 5.15 takes a refused clone() of a plain QProcess for a process with the id -1, which is everybody when
+  // it is killed; a derived one is made by fork().
+  class Tool : public QProcess
+  {
+  };
+
+  Tool process;
   QTimer limit;
   QQueue<QString> waiting;
   std::function<void()> idleHandler;

@@ -1,6 +1,7 @@
 #include "SchedulerProgram.h"
 
 #include "Arguments.h"
+#include "Completions.h"
 #include "ExitCodes.h"
 #include "Places.h"
 #include "Scheduler.h"
@@ -90,6 +91,7 @@ int RunSchedulerProgram(int argc, char** argv)
   app.add_flag("--verbose,-v", verbosity, "Show what is logged; twice for every detail");
   app.footer(footer);
   AddOptions(app, options);
+  AddCompletionsOption(app);
   try
   {
     app.parse(argc, argv);

@@ -2,6 +2,7 @@
 
 #include "Output.h"
 #include "SafeText.h"
+#include "StandIns.h"
 #include "Terminal.h"
 #include "Texts.h"
 
@@ -21,10 +22,11 @@ QString ShowFile(const QString& path)
   return file.isFile() && file.isExecutable() ? ShowText(path) : Texts::tr("missing: %1").arg(ShowText(path));
 }
 
-QString ShowTool(const QString& name)
+QString ShowPlace(const ToolPlace& tool)
 {
-  const QString path = QStandardPaths::findExecutable(name);
-  return path.isEmpty() ? Texts::tr("missing: %1").arg(name) : ShowText(path);
+  if (tool.path.isEmpty())
+    return Texts::tr("missing");
+  return tool.isStandIn ? Texts::tr("%1 (a stand-in)").arg(ShowText(tool.path)) : ShowText(tool.path);
 }
 
 } // namespace
@@ -39,10 +41,10 @@ int PrintVersions()
   table.AddRow({QStringLiteral("Boost"), QStringLiteral(OSTREL_BOOST_VERSION)});
   table.AddRow({QStringLiteral("glog"), QStringLiteral(OSTREL_GLOG_VERSION)});
   table.AddRow({Texts::tr("Purger"), ShowFile(Tavrik::Cleaner::RAMCleaner::FindPurger())});
-  table.AddRow({Texts::tr("Disk tool"), ShowTool(QStringLiteral("diskutil"))});
-  table.AddRow({Texts::tr("Firewall tool"),
-                ShowFile(QStringLiteral("/usr/libexec/ApplicationFirewall/socketfilterfw"))});
-  table.AddRow({QStringLiteral("getconf"), ShowTool(QStringLiteral("getconf"))});
+  for (const ToolPlace& tool : FindTools())
+    table.AddRow({tool.name, ShowPlace(tool)});
+  table.AddRow({QStringLiteral("getconf"),
+                ShowPlace({{}, QStandardPaths::findExecutable(QStringLiteral("getconf")), false})});
   output.PrintTable(table);
   return output.Status();
 }

@@ -1,6 +1,6 @@
 #include "StandIns.h"
 
-#include "SafeText.h"
+#include "Texts.h"
 
 #include <Common/Firewall.h>
 
@@ -16,12 +16,6 @@ using Tavrik::Cleaner::filewallFileName;
 
 namespace
 {
-
-struct Tool
-{
-  QString path; // empty: there is none
-  bool isStandIn = false;
-};
 
 QString GetStandInFolder()
 {
@@ -42,27 +36,20 @@ QString FindStandIn(const QString& name)
   return !folder.isEmpty() && IsProgram(path) ? path : QString();
 }
 
-Tool FindFirewallTool()
+ToolPlace FindFirewallTool()
 {
   static const QString systemTool = filewallFileName;
+  const QString name = Texts::tr("Firewall tool");
   if (IsProgram(systemTool))
-    return {systemTool, false};
-  return {FindStandIn(QStringLiteral("socketfilterfw")), true};
+    return {name, systemTool, false};
+  return {name, FindStandIn(QStringLiteral("socketfilterfw")), true};
 }
 
-Tool FindDiskTool()
+ToolPlace FindDiskTool()
 {
   const QString name = QStringLiteral("diskutil");
   const QString path = QStandardPaths::findExecutable(name);
-  return {path, !path.isEmpty() && path == FindStandIn(name)};
-}
-
-QString Describe(const QString& name, const Tool& tool)
-{
-  if (tool.path.isEmpty())
-    return name + QLatin1String(": missing");
-  const QString line = name + QLatin1String(": ") + ShowText(tool.path);
-  return tool.isStandIn ? line + QLatin1String(" (a stand-in)") : line;
+  return {Texts::tr("Disk tool"), path, !path.isEmpty() && path == FindStandIn(name)};
 }
 
 } // namespace
@@ -78,7 +65,7 @@ void OfferStandIns()
 
 bool ChooseFirewallTool()
 {
-  const Tool tool = FindFirewallTool();
+  const ToolPlace tool = FindFirewallTool();
   if (tool.path.isEmpty())
     return false;
   filewallFileName = tool.path;
@@ -87,10 +74,9 @@ bool ChooseFirewallTool()
   return QResource::registerResource(collection.data());
 }
 
-QStringList DescribeTools()
+QVector<ToolPlace> FindTools()
 {
-  return {Describe(QStringLiteral("firewall tool"), FindFirewallTool()),
-          Describe(QStringLiteral("disk tool"), FindDiskTool())};
+  return {FindFirewallTool(), FindDiskTool()};
 }
 
 } // namespace Ostrel

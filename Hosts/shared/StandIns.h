@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QStringList>
+#include <QString>
+#include <QVector>
 
 /**
  * @file
@@ -23,7 +24,15 @@ void OfferStandIns();
  */
 bool ChooseFirewallTool();
 
-/** @return A line for each tool, with its path; it says which are stand-ins and which are missing. */
-QStringList DescribeTools();
+/** Where a tool is. */
+struct ToolPlace
+{
+  QString name; ///< In the user's language.
+  QString path; ///< Empty: there is none.
+  bool isStandIn;
+};
+
+/** @return The firewall tool and the disk tool. */
+QVector<ToolPlace> FindTools();
 
 } // namespace Ostrel

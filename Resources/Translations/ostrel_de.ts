@@ -622,6 +622,14 @@
         <source>contradictory orders for %1</source>
         <translation>widersprüchliche Anweisungen für %1</translation>
     </message>
+    <message>
+        <source>missing</source>
+        <translation>fehlt</translation>
+    </message>
+    <message>
+        <source>%1 (a stand-in)</source>
+        <translation>%1 (ein Ersatz)</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

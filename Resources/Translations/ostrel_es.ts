@@ -622,6 +622,14 @@
         <source>contradictory orders for %1</source>
         <translation>órdenes contradictorias para %1</translation>
     </message>
+    <message>
+        <source>missing</source>
+        <translation>no está</translation>
+    </message>
+    <message>
+        <source>%1 (a stand-in)</source>
+        <translation>%1 (un sustituto)</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -622,6 +622,14 @@
         <source>contradictory orders for %1</source>
         <translation>ordres contradictoires pour %1</translation>
     </message>
+    <message>
+        <source>missing</source>
+        <translation>absent</translation>
+    </message>
+    <message>
+        <source>%1 (a stand-in)</source>
+        <translation>%1 (un remplaçant)</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -622,6 +622,14 @@
         <source>contradictory orders for %1</source>
         <translation>%1 に対する指示が矛盾しています</translation>
     </message>
+    <message>
+        <source>missing</source>
+        <translation>ありません</translation>
+    </message>
+    <message>
+        <source>%1 (a stand-in)</source>
+        <translation>%1 (代用)</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -622,6 +622,14 @@
         <source>contradictory orders for %1</source>
         <translation>противоречивые указания для %1</translation>
     </message>
+    <message>
+        <source>missing</source>
+        <translation>отсутствует</translation>
+    </message>
+    <message>
+        <source>%1 (a stand-in)</source>
+        <translation>%1 (замена)</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

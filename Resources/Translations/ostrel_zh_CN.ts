@@ -622,6 +622,14 @@
         <source>contradictory orders for %1</source>
         <translation>对 %1 的指令互相矛盾</translation>
     </message>
+    <message>
+        <source>missing</source>
+        <translation>缺少</translation>
+    </message>
+    <message>
+        <source>%1 (a stand-in)</source>
+        <translation>%1（替代品）</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -1,5 +1,7 @@
 #include "Support/Child.h"
 
+#include "Support/Processes.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -53,10 +55,10 @@ int Fork(const std::function<void()>& body)
     body();
     _exit(failed);
   }
-  int status = failed << 8;
-  if (child < 0 || waitpid(child, &status, 0) != child)
+  const int status = child < 0 ? -1 : WaitForEnd(child);
+  if (status < 0)
     std::perror("fork");
-  return status;
+  return status < 0 ? failed << 8 : status;
 }
 
 bool Become(const Identity& identity)

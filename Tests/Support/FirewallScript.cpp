@@ -1,5 +1,7 @@
 #include "Support/FirewallScript.h"
 
+#include "Support/Processes.h"
+
 #include "Support/Programs.h"
 
 #include <gmock/gmock.h>
@@ -30,12 +32,9 @@ namespace
   _exit(EXIT_FAILURE);
 }
 
-int WaitForEnd(pid_t child)
+int WaitForCode(pid_t child)
 {
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0)
-    if (errno != EINTR)
-      return -1;
+  const int status = WaitForEnd(child);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
@@ -66,7 +65,7 @@ void ConfigureScript(const QString& source, const QString& tool, const QString& 
 }
 
 ScriptOutcome RunScript(const Shell& shell, const QString& script, const std::vector<std::string>& arguments,
-                  const QString& folder)
+                        const QString& folder)
 {
   const QByteArray program = QFile::encodeName(FindShell(shell));
   const QByteArray place = QFile::encodeName(folder);
@@ -88,7 +87,7 @@ ScriptOutcome RunScript(const Shell& shell, const QString& script, const std::ve
   if (child == 0)
     BecomeShell(mutableWords, place.constData(), output.constData(), errors.constData());
   ScriptOutcome outcome;
-  outcome.status = child < 0 ? -1 : WaitForEnd(child);
+  outcome.status = child < 0 ? -1 : WaitForCode(child);
   outcome.output = TakeText(output);
   outcome.errors = TakeText(errors);
   return outcome;

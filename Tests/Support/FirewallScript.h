@@ -41,4 +41,4 @@ struct ScriptOutcome
  * @param folder Where it runs; its outputs lie there meanwhile.
  */
 ScriptOutcome RunScript(const Shell& shell, const QString& script, const std::vector<std::string>& arguments,
-                  const QString& folder);
+                        const QString& folder);

@@ -54,6 +54,16 @@ bool HoldsSocket(qint64 pid, const QByteArray& node)
 
 } // namespace
 
+// Qt's handler of SIGCHLD interrupts system calls.
+int WaitForEnd(pid_t child)
+{
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0)
+    if (errno != EINTR)
+      return -1;
+  return status;
+}
+
 Forked::Forked(const std::function<void()>& work)
 {
   const pid_t parent = getpid();
@@ -78,7 +88,7 @@ void Forked::Kill()
   if (pid <= 0)
     return;
   kill(pid, SIGKILL);
-  waitpid(pid, nullptr, 0);
+  WaitForEnd(pid);
   pid = -1;
 }
 

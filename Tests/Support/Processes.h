@@ -8,6 +8,9 @@
 #include <sys/types.h>
 #include <vector>
 
+/** @return The wait status of a child of this process when it has ended; -1 when there is no such child. */
+int WaitForEnd(pid_t child);
+
 /** A process that is forked to do one thing by system calls alone; killed when this goes. */
 class Forked
 {

@@ -1,5 +1,7 @@
 #include "Support/PseudoTerminal.h"
 
+#include "Support/Processes.h"
+
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
@@ -58,7 +60,7 @@ PseudoTerminal::~PseudoTerminal()
   if (pid > 0)
   {
     kill(pid, SIGKILL);
-    waitpid(pid, nullptr, 0);
+    WaitForEnd(pid);
   }
   close(file);
 }
