@@ -23,6 +23,7 @@ TESTS = {
     "Firewall.cpp": ["FirewallTest"],
     "FormatText.cpp": ["FormatTextTest"],
     "IOUtils.cpp": ["IOUtilsTest", "BazaarContextTest"],
+    "Platform/ToolOutput.cpp": ["ToolOutputTest", "DiskListTest", "FirewallTest"],
     "PathHelpers.cpp": ["PathHelpersTest", "PathSafetyTest"],
     "PathSafety.cpp": ["PathSafetyTest"],
     "RAMCleaner.cpp": ["RAMCleanerTest"],

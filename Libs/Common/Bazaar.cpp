@@ -1546,7 +1546,12 @@ void Context::Impl::CheckClients()
     return;
   }
   CheckEntrants();
-  for (const QByteArray& name : clients.keys())
+  // Most have said nothing, tick after tick; the others may change who is there.
+  QVector<QByteArray> speakers;
+  for (auto client = clients.cbegin(); client != clients.cend(); ++client)
+    if (*client && (*client)->bytesAvailable() >= smallestPacket)
+      speakers.append(client.key());
+  for (const QByteArray& name : qAsConst(speakers))
     TakeAndRoute(name, clients.value(name));
   ExpelTheIdle();
 }
