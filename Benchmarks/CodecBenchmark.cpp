@@ -1,0 +1,54 @@
+// Packets, made and read back, beside a bare checksum of the same bytes. A packet's body is summed once when
+// it is made and once when it is read, so both of it stand beside two checksums.
+
+#include <Common/Bazaar.cpp>
+
+#include <benchmark/benchmark.h>
+
+#include <QBuffer>
+
+namespace Tavrik::Bazaar
+{
+namespace
+{
+
+QByteArray MakeBody(const benchmark::State& state)
+{
+  QByteArray body(static_cast<int>(state.range(0)), '\0');
+  for (int i = 0; i < body.size(); ++i)
+    body[i] = static_cast<char>(i * 31 + i / 7);
+  return body;
+}
+
+void TwoChecksums(benchmark::State& state)
+{
+  const QByteArray body = MakeBody(state);
+  for (auto _ : state)
+  {
+    benchmark::DoNotOptimize(qChecksum(body.constData(), static_cast<uint>(body.size())));
+    benchmark::DoNotOptimize(qChecksum(body.constData(), static_cast<uint>(body.size())));
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * body.size());
+}
+
+void MakeAndReadBack(benchmark::State& state)
+{
+  const QByteArray body = MakeBody(state);
+  for (auto _ : state)
+  {
+    QByteArray packet = CreatePacket("bench", commandMessage, body);
+    QBuffer device(&packet);
+    device.open(QIODevice::ReadOnly);
+    if (ReadPacket(&device).body.size() != body.size())
+      state.SkipWithError("wrong answer");
+  }
+  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * body.size());
+}
+
+BENCHMARK(TwoChecksums)->Arg(64)->Arg(4096)->Arg(1 << 20);
+BENCHMARK(MakeAndReadBack)->Arg(64)->Arg(4096)->Arg(1 << 20);
+
+} // namespace
+} // namespace Tavrik::Bazaar
+
+BENCHMARK_MAIN();
