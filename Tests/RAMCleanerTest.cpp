@@ -112,7 +112,12 @@ protected:
   QList<QByteArray> Starts() const
   {
     QFile file(machine.purger + ".starts");
-    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().split('\n') : QList<QByteArray>();
+    QList<QByteArray> lines;
+    if (file.open(QIODevice::ReadOnly))
+      lines = file.readAll().split('\n');
+    if (!lines.isEmpty())
+      lines.removeLast(); // what follows the last line's end
+    return lines;
   }
 
   qint64 PidOfStart(int number)

@@ -359,8 +359,9 @@ std::string MakeForFish(const std::vector<Place>& places)
                        program + " -f\n";
   for (const Place& place : places)
   {
-    const std::string begin =
-        "complete -c " + program + " -n \"" + condition + ' ' + QuoteForFish(place.path) + '"';
+    std::string begin = "complete -c ";
+    begin.append(program).append(" -n \"").append(condition).append(" ");
+    begin.append(QuoteForFish(place.path)).append("\"");
     for (const auto& verb : place.verbs)
       script += begin + " -a " + verb.first + " -d " + QuoteForFish(verb.second) + "\n";
     if (place.verbs.empty() && place.operand && place.operand->kind != Values::Any)

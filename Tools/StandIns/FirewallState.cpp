@@ -21,7 +21,7 @@ namespace
 const char* const systemFile = "/var/lib/tavrik/firewall";
 const char* const firstLine = "tavrik-firewall 1";
 const char* const switchNames[SwitchCount] = {"enabled", "block-all", "allow-signed", "stealth"};
-const std::size_t longestFile = 16 * 1024 * 1024; // bytes that are read
+const std::size_t longestFile = 16UL * 1024 * 1024; // bytes that are read
 const int longestWait = 10000;                    // ms for other writers
 const int waitStep = 10;                          // ms
 
@@ -215,7 +215,7 @@ std::string Store(const FirewallState& state, const std::string& path, mode_t mo
   if (WriteWhole(file.Get(), Format(state)) && fchmod(file.Get(), mode) == 0 && fsync(file.Get()) == 0 &&
       rename(fresh.c_str(), path.c_str()) == 0)
     return {};
-  const std::string reason = Reason(path);
+  std::string reason = Reason(path);
   unlink(fresh.c_str());
   return reason;
 }
@@ -251,7 +251,7 @@ std::string Edit(const StatePlace& place, const std::function<bool(FirewallState
 {
   const std::string& path = place.writeFile;
   const std::string folder = path.substr(0, path.find_last_of('/'));
-  const std::string reason = MakeFolders(folder, place.isSystemWide ? 0755 : 0700);
+  std::string reason = MakeFolders(folder, place.isSystemWide ? 0755 : 0700);
   if (!reason.empty())
     return reason;
   struct stat information;

@@ -290,7 +290,7 @@ void TakeLabels(std::vector<Volume>* volumes)
   {
     struct stat information;
     const std::string label = entry->d_name;
-    if (stat((folder + '/' + label).c_str(), &information) != 0 || !S_ISBLK(information.st_mode))
+    if (stat(std::string(folder).append("/").append(label).c_str(), &information) != 0 || !S_ISBLK(information.st_mode))
       continue;
     const std::string identifier = "disk" + std::to_string(major(information.st_rdev)) + 's' +
                                    std::to_string(minor(information.st_rdev));
@@ -326,6 +326,7 @@ std::vector<Volume> LoadVolumes()
 std::vector<Volume> AskForSizes(std::vector<Volume> volumes)
 {
   std::vector<Question> questions;
+  questions.reserve(volumes.size());
   for (const Volume& volume : volumes)
     questions.push_back(BeginToAsk(volume.mountPoint));
   const auto deadline = std::chrono::steady_clock::now() + longestAnswer;

@@ -171,7 +171,7 @@ std::string AbsolutePath(const std::string& path)
   if (path.empty() || path[0] == '/')
     return path;
   char* const folder = getcwd(nullptr, 0);
-  const std::string absolute = folder ? std::string(folder) + '/' + path : std::string();
+  std::string absolute = folder ? std::string(folder) + '/' + path : std::string();
   std::free(folder);
   return absolute;
 }
