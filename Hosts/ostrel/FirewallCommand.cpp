@@ -218,7 +218,7 @@ FirewallPlan ReadBack(Firewall& firewall, const FirewallView& wanted, std::chron
   for (;;)
   {
     firewall.Undo();
-    const FirewallPlan differences = MakePlan(Look(firewall), wanted);
+    FirewallPlan differences = MakePlan(Look(firewall), wanted);
     if (differences.empty() || deadline.hasExpired() || Signals::Caught() != 0)
       return differences;
     poll(nullptr, 0, readPause);

@@ -78,6 +78,9 @@ public:
     QObject::connect(&cleaner, &RAMCleaner::CleaningFinished, &cleaner,
                      [this](qint64 bytes) { OnFinished(bytes); });
     output.OnClosed([this](int status) { Stop(status); });
+    limit.setSingleShot(true);
+    limit.setTimerType(Qt::PreciseTimer);
+    limit.callOnTimeout([this] { Stop(TimedOut); });
   }
 
   ~CleaningRun() { signalSource.OnSignal(nullptr); }
@@ -94,7 +97,7 @@ public:
     }
     signalSource.OnSignal([this](int number) { Stop(EndedBySignal + number); });
     if (arguments.timeout)
-      QTimer::singleShot(*arguments.timeout, Qt::PreciseTimer, &cleaner, [this] { Stop(TimedOut); });
+      limit.start(*arguments.timeout);
     if (!isFinished)
       QCoreApplication::exec();
     return output.Combine(code);
@@ -168,6 +171,7 @@ private:
   Output output;
   Progress progress;
   RAMCleaner cleaner;
+  QTimer limit;
   int code = Done;
   bool isFinished = false;
 };
