@@ -8,8 +8,10 @@ if(NOT text MATCHES "^# ([^\n]+)\\(([1-8])\\)\n")
 endif()
 set(section ${CMAKE_MATCH_2})
 string(TOUPPER "${CMAKE_MATCH_1}" name)
-string(REGEX REPLACE "^[^\n]*\n" "% \"${name}\" \"${section}\" \"\" \"Tavrik Ostrel ${VERSION}\" \"User's manual\"\n"
-  text "${text}")
+# Not by an expression: there "^" is the beginning of every line.
+string(FIND "${text}" "\n" end)
+string(SUBSTRING "${text}" ${end} -1 text)
+string(PREPEND text "% \"${name}\" \"${section}\" \"\" \"Tavrik Ostrel ${VERSION}\" \"User's manual\"")
 file(WRITE ${PAGE}.md "${text}")
 execute_process(COMMAND ${TOOL} -in ${PAGE}.md -out ${PAGE} RESULT_VARIABLE result)
 file(REMOVE ${PAGE}.md)

@@ -290,7 +290,8 @@ void TakeLabels(std::vector<Volume>* volumes)
   {
     struct stat information;
     const std::string label = entry->d_name;
-    if (stat(std::string(folder).append("/").append(label).c_str(), &information) != 0 || !S_ISBLK(information.st_mode))
+    if (stat(std::string(folder).append("/").append(label).c_str(), &information) != 0 ||
+        !S_ISBLK(information.st_mode))
       continue;
     const std::string identifier = "disk" + std::to_string(major(information.st_rdev)) + 's' +
                                    std::to_string(minor(information.st_rdev));
@@ -302,6 +303,27 @@ void TakeLabels(std::vector<Volume>* volumes)
 }
 
 /// @}
+
+// Where the root folder is a folder of a file system that is mounted elsewhere, as chroot makes it, no mount
+// tells of it.
+void AddRoot(std::vector<Volume>* volumes)
+{
+  struct stat information;
+  if (std::any_of(volumes->begin(), volumes->end(),
+                  [](const Volume& volume) { return volume.mountPoint == "/"; }) ||
+      stat("/", &information) != 0)
+    return;
+  Volume root;
+  root.whole = "disk" + std::to_string(major(information.st_dev));
+  root.identifier = root.whole + 's' + std::to_string(minor(information.st_dev));
+  if (std::any_of(volumes->begin(), volumes->end(),
+                  [&](const Volume& volume) { return volume.identifier == root.identifier; }))
+    return;
+  root.name = root.mountPoint = "/";
+  root.type = "unknown";
+  root.device = "unknown";
+  volumes->insert(volumes->begin(), root);
+}
 
 std::string ReadFile(const char* path)
 {
@@ -319,6 +341,7 @@ std::vector<Volume> ParseMounts(const std::string& mountInfo)
 std::vector<Volume> LoadVolumes()
 {
   std::vector<Volume> volumes = ParseMounts(ReadFile("/proc/self/mountinfo"));
+  AddRoot(&volumes);
   TakeLabels(&volumes);
   return volumes;
 }

@@ -1,0 +1,32 @@
+# cmake -D TOOL=go-md2man -D ROOT=... -D FOLDER=... -P Pages.cmake
+
+cmake_minimum_required(VERSION 3.20)
+
+# Every manual page holds what its manual says: all sections, and about as much text.
+file(GLOB manuals ${ROOT}/Docs/manual/*.md)
+list(LENGTH manuals count)
+if(count LESS 2)
+  message(FATAL_ERROR "The manuals were not found where they should be")
+endif()
+foreach(manual IN LISTS manuals)
+  get_filename_component(name ${manual} NAME_WE)
+  set(page ${FOLDER}/${name}-page)
+  execute_process(COMMAND ${CMAKE_COMMAND} -D TOOL=${TOOL} -D MANUAL=${manual} -D PAGE=${page} -D VERSION=1.2.3
+    -P ${ROOT}/Docs/manual/MakePage.cmake COMMAND_ERROR_IS_FATAL ANY)
+  file(READ ${page} text)
+  file(SIZE ${page} size)
+  file(SIZE ${manual} wanted)
+  file(REMOVE ${page})
+  file(STRINGS ${manual} sections REGEX "^## ")
+  foreach(section IN LISTS sections)
+    string(SUBSTRING "${section}" 3 -1 section)
+    string(FIND "${text}" ".SH ${section}\n" position)
+    if(position EQUAL -1)
+      message(SEND_ERROR "The page of ${name} has no section '${section}'")
+    endif()
+  endforeach()
+  math(EXPR least "${wanted} * 9 / 10")
+  if(size LESS least)
+    message(SEND_ERROR "The page of ${name} has ${size} bytes, its manual ${wanted}")
+  endif()
+endforeach()
