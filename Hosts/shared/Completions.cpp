@@ -169,6 +169,15 @@ std::string GetVerbPatterns(const std::vector<Place>& places, const std::string&
   return patterns.empty() ? "''" : Join(patterns, between);
 }
 
+// The same for the word before the one that is completed: 'ostrel bus send:--file' | 'ostrel bus send:-f'.
+std::string GetOptionPatterns(const Place& place, const Option& option, const std::string& between)
+{
+  Strings patterns;
+  for (const std::string& spelling : option.Spellings())
+    patterns.push_back(Quote(std::string(place.path).append(":").append(spelling)));
+  return Join(patterns, between);
+}
+
 std::string GetFunctionName(const std::vector<Place>& places)
 {
   return "_" + Replace(places.front().path, "-", "_");
@@ -217,11 +226,8 @@ std::string MakeForBash(const std::vector<Place>& places)
     for (const Option& option : place.options)
       if (option.value)
       {
-        Strings patterns;
-        for (const std::string& spelling : option.Spellings())
-          patterns.push_back(Quote(place.path + ':' + spelling));
-        script += "    " + Join(patterns, " | ") + ")\n      " + CompleteInBash(*option.value) +
-                  "\n      return\n      ;;\n";
+        script += "    " + GetOptionPatterns(place, option, " | ") + ")\n      " +
+                  CompleteInBash(*option.value) + "\n      return\n      ;;\n";
       }
   script += "  esac\n"
             "  case \"$at:$word\" in\n";
@@ -290,10 +296,8 @@ std::string MakeForZsh(const std::vector<Place>& places)
     for (const Option& option : place.options)
       if (option.value)
       {
-        Strings patterns;
-        for (const std::string& spelling : option.Spellings())
-          patterns.push_back(Quote(place.path + ':' + spelling));
-        script += "    (" + Join(patterns, "|") + ") " + CompleteInZsh(*option.value) + "; return ;;\n";
+        script += "    (" + GetOptionPatterns(place, option, "|") + ") " + CompleteInZsh(*option.value) +
+                  "; return ;;\n";
       }
   script += "  esac\n"
             "  case \"$at:${words[CURRENT]}\" in\n";
