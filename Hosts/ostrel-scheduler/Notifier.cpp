@@ -79,12 +79,14 @@ void Notifier::End(bool isShown)
   limit.stop();
   if (!isShown)
     LOG(WARNING) << "A notice could not be shown on the desktop";
-  QTimer::singleShot(0, &limit,
-                     [this]
-                     {
-                       if (process.state() == QProcess::NotRunning)
-                         StartNext();
-                     });
+  QMetaObject::invokeMethod(
+      &limit,
+      [this]
+      {
+        if (process.state() == QProcess::NotRunning)
+          StartNext();
+      },
+      Qt::QueuedConnection);
 }
 
 } // namespace Ostrel

@@ -60,12 +60,15 @@ int Scheduler::RunOnBus()
   bus.isPatient = true;
   session = std::make_unique<BusSession>(bus, signalSource);
   correspondence = std::make_shared<Correspondence>(*session, state, watches);
-  QTimer::singleShot(joinHeadStart, &lookTimer,
-                     [this]
-                     {
-                       if (!lookTimer.isActive())
-                         StartLooking();
-                     });
+  QTimer headStart;
+  headStart.setSingleShot(true);
+  headStart.callOnTimeout(
+      [this]
+      {
+        if (!lookTimer.isActive())
+          StartLooking();
+      });
+  headStart.start(joinHeadStart);
   if (const int failure = session->Join(correspondence))
     return failure;
   if (!lookTimer.isActive())
@@ -88,7 +91,8 @@ int Scheduler::RunAlone()
 
 void Scheduler::StartLooking()
 {
-  QTimer::singleShot(0, &lookTimer, [this] { Look(); });
+  QMetaObject::invokeMethod(
+      &lookTimer, [this] { Look(); }, Qt::QueuedConnection);
   if (!options.once)
     lookTimer.start(options.interval);
 }

@@ -24,7 +24,7 @@ namespace
 
 constexpr int stateVersion = 1;
 constexpr int mostNotices = 1000;
-constexpr qint64 longestFile = 16 * 1024 * 1024;
+constexpr qint64 longestFile = 16LL * 1024 * 1024;
 
 const QString versionField = QStringLiteral("version");
 const QString lastIdField = QStringLiteral("lastId");

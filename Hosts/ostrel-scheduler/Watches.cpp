@@ -89,7 +89,7 @@ void Watches::Tell(Notices& notices, const Notice& notice)
 }
 
 // An event ends with its watch: who switches it on again wants to hear what is wrong.
-void Watches::FollowShortage(Notices& notices, Notice notice, qint64 total)
+void Watches::FollowShortage(Notices& notices, const Notice& notice, qint64 total)
 {
   const bool isTold = state.IsTold(notice.kind);
   if (notice.size < notice.limit && !isTold)

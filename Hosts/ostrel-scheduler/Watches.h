@@ -55,7 +55,7 @@ private:
   void LookAtApplications(Notices& notices);
   void LookAtCalendar(Notices& notices);
   void EndTrash(Notices& notices);
-  void FollowShortage(Notices& notices, Notice notice, qint64 total);
+  void FollowShortage(Notices& notices, const Notice& notice, qint64 total);
   void Tell(Notices& notices, const Notice& notice);
 
   const SchedulerOptions& options;
