@@ -17,6 +17,7 @@
 
 #include <glog/logging.h>
 
+#include <array>
 #include <chrono>
 #include <memory>
 #include <poll.h>
@@ -62,9 +63,10 @@ FirewallView Look(const Firewall& firewall)
 
 void SetSwitch(Firewall& firewall, std::size_t number, bool isOn)
 {
-  void (Firewall::*const setters[switchCount])(bool) = {&Firewall::SetEnabled, &Firewall::SetBlockAll,
-                                                        &Firewall::SetAllowSigned, &Firewall::SetStealthMode};
-  (firewall.*setters[number])(isOn);
+  using Setter = void (Firewall::*)(bool);
+  static const std::array<Setter, switchCount> setters = {
+      &Firewall::SetEnabled, &Firewall::SetBlockAll, &Firewall::SetAllowSigned, &Firewall::SetStealthMode};
+  (firewall.*setters.at(number))(isOn);
 }
 
 bool Perform(Firewall& firewall, const FirewallStep& step)

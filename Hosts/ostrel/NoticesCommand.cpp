@@ -36,7 +36,9 @@ struct Arguments
 constexpr std::chrono::milliseconds answerTime = 10s;
 
 // Well within the time for which the scheduler tells who has asked to be told.
-constexpr std::chrono::milliseconds renewInterval = 10s;
+// A scheduler that is killed and started again while the bus heals is not seen to leave and come: this is how
+// long it can take until it is asked.
+constexpr std::chrono::milliseconds renewInterval = 2s;
 
 // What the answer to our request repeats. A process asks for one thing only.
 const QString requestMark = QStringLiteral("ostrel-notices");
