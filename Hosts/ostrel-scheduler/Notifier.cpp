@@ -25,6 +25,13 @@ Notifier::Notifier()
   process.setStandardErrorFile(QProcess::nullDevice());
   limit.setSingleShot(true);
   limit.callOnTimeout([this] { process.kill(); });
+  next.setSingleShot(true);
+  next.callOnTimeout(
+      [this]
+      {
+        if (process.state() == QProcess::NotRunning)
+          StartNext();
+      });
   QObject::connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), &limit,
                    [this](int code, QProcess::ExitStatus status)
                    { End(status == QProcess::NormalExit && code == 0); });
@@ -79,14 +86,7 @@ void Notifier::End(bool isShown)
   limit.stop();
   if (!isShown)
     LOG(WARNING) << "A notice could not be shown on the desktop";
-  QMetaObject::invokeMethod(
-      &limit,
-      [this]
-      {
-        if (process.state() == QProcess::NotRunning)
-          StartNext();
-      },
-      Qt::QueuedConnection);
+  next.start(0);
 }
 
 } // namespace Ostrel

@@ -42,6 +42,7 @@ private:
 
   Tool process;
   QTimer limit;
+  QTimer next;
   QQueue<QString> waiting;
   std::function<void()> idleHandler;
 };

@@ -34,6 +34,8 @@ Scheduler::Scheduler(const SchedulerOptions& options, Signals& signalSource)
       state(options.stateFile),
       watches(this->options, state)
 {
+  firstLook.setSingleShot(true);
+  firstLook.callOnTimeout([this] { Look(); });
   lookTimer.callOnTimeout([this] { Look(); });
   trashTimer.callOnTimeout([this] { LookAtTrash(); });
   output.OnClosed([this](int code) { Leave(code); });
@@ -91,8 +93,7 @@ int Scheduler::RunAlone()
 
 void Scheduler::StartLooking()
 {
-  QMetaObject::invokeMethod(
-      &lookTimer, [this] { Look(); }, Qt::QueuedConnection);
+  firstLook.start(0);
   if (!options.once)
     lookTimer.start(options.interval);
 }
@@ -161,6 +162,7 @@ void Scheduler::EndWhenAllIsDone()
 
 void Scheduler::Leave(int code)
 {
+  firstLook.stop();
   lookTimer.stop();
   trashTimer.stop();
   if (session)

@@ -43,6 +43,7 @@ private:
   Notifier notifier;
   std::unique_ptr<BusSession> session; // none without a bus
   std::shared_ptr<Correspondence> correspondence;
+  QTimer firstLook;
   QTimer lookTimer;
   QTimer trashTimer;
   qint64 toldCount = 0;
