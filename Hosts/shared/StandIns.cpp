@@ -52,6 +52,31 @@ ToolPlace FindDiskTool()
   return {Texts::tr("Disk tool"), path, !path.isEmpty() && path == FindStandIn(name)};
 }
 
+// A collection of resources that is a resource itself, in use while this lives.
+class Collection
+{
+public:
+  explicit Collection(const QString& name)
+      : data(QResource(name).data()), isRegistered(QResource::registerResource(data))
+  {
+  }
+
+  ~Collection()
+  {
+    if (isRegistered)
+      QResource::unregisterResource(data);
+  }
+
+  Collection(const Collection&) = delete;
+  Collection& operator=(const Collection&) = delete;
+
+  bool IsRegistered() const { return isRegistered; }
+
+private:
+  const uchar* const data;
+  const bool isRegistered;
+};
+
 } // namespace
 
 void OfferStandIns()
@@ -69,9 +94,9 @@ bool ChooseFirewallTool()
   if (tool.path.isEmpty())
     return false;
   filewallFileName = tool.path;
-  const QResource collection(tool.isStandIn ? QStringLiteral(":/tools/standin.rcc")
-                                            : QStringLiteral(":/tools/system.rcc"));
-  return QResource::registerResource(collection.data());
+  static const Collection script(tool.isStandIn ? QStringLiteral(":/tools/standin.rcc")
+                                                : QStringLiteral(":/tools/system.rcc"));
+  return script.IsRegistered();
 }
 
 QVector<ToolPlace> FindTools()
