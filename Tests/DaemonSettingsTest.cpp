@@ -408,6 +408,19 @@ TEST(DaemonSettings, ThatCannotBeWrittenAreKeptAndWrittenWhenTheyCan)
   EXPECT_THAT(StoreLines(), Contains("TRASH_SIZE_LIMIT=7"));
 }
 
+TEST(DaemonSettings, AreWrittenIntoAStoreWhoseOtherLinesNobodyKeeps)
+{
+  const QString name = OpenStore()->fileName();
+  QDir().mkpath(QFileInfo(name).path());
+  QFile file(name);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("[General]\n; a remark\n\n\n; another\nTRASH_SIZE_LIMIT=5\n; and one more\n");
+  file.close();
+  DaemonSettings().SetTrashSizeLimit(7);
+  EXPECT_EQ(DaemonSettings().GetTrashSizeLimit(), 7);
+  EXPECT_THAT(StoreLines(), Contains("TRASH_SIZE_LIMIT=7"));
+}
+
 TEST(DaemonSettings, OfAGarbledStoreAreTheDefaults)
 {
   const QString name = OpenStore()->fileName();

@@ -63,7 +63,6 @@ public:
       return;
     kept = path + ".former";
     unlink(kept.constData());
-    lines = CountLines();
     isKept = link(path.constData(), kept.constData()) == 0;
   }
 
@@ -71,9 +70,7 @@ public:
   {
     if (!isKept)
       return;
-    // Each setting is a line, and no change takes one away.
-    const int now = CountLines();
-    if (now != unknown && now < lines && rename(kept.constData(), path.constData()) == 0)
+    if (IsCutOff() && rename(kept.constData(), path.constData()) == 0)
       return;
     unlink(kept.constData());
   }
@@ -82,20 +79,16 @@ public:
   FormerFile& operator=(const FormerFile&) = delete;
 
 private:
-  static constexpr int unknown = -1;
-
-  int CountLines() const
+  // Every change stores a setting, and each is a whole line.
+  bool IsCutOff() const
   {
     QFile file(QFile::decodeName(path));
-    if (!file.open(QIODevice::ReadOnly))
-      return unknown;
-    const QByteArray text = file.readAll();
-    return file.error() == QFileDevice::NoError ? text.count('\n') : unknown;
+    return file.open(QIODevice::ReadOnly) && !file.readAll().endsWith('\n') &&
+           file.error() == QFileDevice::NoError;
   }
 
   const QByteArray path;
   QByteArray kept;
-  int lines = unknown;
   bool isKept = false;
 };
 
