@@ -83,7 +83,7 @@ def machine():
 def delivery():
     rows = []
     for participants in (3, 30):
-        times = figures("BusBenchmark", "latency", participants, 1 if short else 15)
+        times = figures("BusBenchmark", "latency", participants, 1 if short else 8)
         rows.append([participants] + [f"{times[name]:.1f}" for name in
                     ("mean", "median", "p99", "worst", "least mean of a run", "largest mean of a run")])
         goal(f"delivery, {participants} participants, mean", times["mean"], 33, " ms")
@@ -122,7 +122,7 @@ def routing():
 
 
 def idling():
-    seconds = 2 if short else 10
+    seconds = 2 if short else 6
     timers = repeated(3, "PeersBenchmark", "timers", seconds)
     rows = [["two timers of 20 ms, nothing else", f"{timers['ms per s']:.2f}", "1x", f"{timers['wake-ups per s']:.0f}"]]
     for members, what in ((2, "participant"), (33, "server")):
