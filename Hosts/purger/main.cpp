@@ -16,6 +16,7 @@
 #include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace
@@ -23,7 +24,10 @@ namespace
 
 using Clock = std::chrono::steady_clock;
 
-const size_t step = 8 << 20;
+// Far from the end of the room great steps are safe, and asking after the room costs less.
+const long long leastStep = 8 << 20;
+const long long largestStep = 128 << 20;
+const long long stepsToTheEnd = 64;
 const auto longestFilling = std::chrono::seconds(60);
 // The reader takes one line every 50 ms, give or take, and none any more once we are gone.
 const auto betweenLines = std::chrono::milliseconds(70);
@@ -61,33 +65,47 @@ public:
   Filling() = default;
   ~Filling()
   {
-    for (void* const block : blocks)
-      munmap(block, step);
+    for (const auto& [block, size] : blocks)
+      munmap(block, size);
   }
 
   Filling(const Filling&) = delete;
   Filling& operator=(const Filling&) = delete;
 
-  long long Size() const { return static_cast<long long>(blocks.size()) * static_cast<long long>(step); }
+  long long Size() const { return total; }
 
-  bool Grow()
+  bool Grow(size_t size)
   {
-    void* const block = mmap(nullptr, step, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANON, -1, 0);
+    void* const block = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANON, -1, 0);
     if (block == MAP_FAILED)
       return false;
-    blocks.push_back(block);
+    blocks.emplace_back(block, size);
+    total += static_cast<long long>(size);
+    return BackWithPages(static_cast<char*>(block), size);
+  }
+
+private:
+  static bool BackWithPages(char* block, size_t size)
+  {
+#ifdef MADV_POPULATE_WRITE
+    // One call is far cheaper than a fault a page, most of all on a virtual machine; old kernels do not know it.
+    if (madvise(block, size, MADV_POPULATE_WRITE) == 0)
+      return true;
+    if (errno != EINVAL)
+      return false;
+#endif
     // A page has to be written to be there, and differently from others to stay there on its own.
     const size_t page = 4096;
-    for (size_t offset = 0; offset < step; offset += page)
+    for (size_t offset = 0; offset < size; offset += page)
     {
-      const size_t mark = blocks.size() * step + offset;
-      std::memcpy(static_cast<char*>(block) + offset, &mark, sizeof(mark));
+      const char* const mark = block + offset;
+      std::memcpy(block + offset, &mark, sizeof(mark));
     }
     return true;
   }
 
-private:
-  std::vector<void*> blocks;
+  std::vector<std::pair<void*, size_t>> blocks;
+  long long total = 0;
 };
 
 void FillAndLetGo(long long limit, Progress* progress)
@@ -100,10 +118,10 @@ void FillAndLetGo(long long limit, Progress* progress)
   for (;;)
   {
     const long long room = std::min(Purger::GetRoom(), limit - filling.Size());
-    if (room < static_cast<long long>(step) || Purger::GetSwappedOut() != swappedBefore || Clock::now() > end)
+    if (room < leastStep || Purger::GetSwappedOut() != swappedBefore || Clock::now() > end)
       return;
     progress->Tell(static_cast<int>(filling.Size() * 99 / (filling.Size() + room)));
-    if (!filling.Grow())
+    if (!filling.Grow(static_cast<size_t>(std::clamp(room / stepsToTheEnd, leastStep, largestStep))))
       return;
   }
 }
