@@ -88,7 +88,8 @@ private:
   static bool BackWithPages(char* block, size_t size)
   {
 #ifdef MADV_POPULATE_WRITE
-    // One call is far cheaper than a fault a page, most of all on a virtual machine; old kernels do not know it.
+    // One call is far cheaper than a fault a page, most of all on a virtual machine; old kernels do not know
+    // it.
     if (madvise(block, size, MADV_POPULATE_WRITE) == 0)
       return true;
     if (errno != EINVAL)

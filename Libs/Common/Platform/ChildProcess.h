@@ -13,8 +13,8 @@ namespace Tavrik::Platform
  * may. A derived one is made by fork(), whose failure Qt looks at.
  */
 #ifdef __SANITIZE_THREAD__
-// Qt learns of a forked process' end by SIGCHLD, which ThreadSanitizer loses now and then: two of 1,500 starts
-// waited in vain, none of 24,000 without it.
+// Qt learns of a forked process' end by SIGCHLD, which ThreadSanitizer loses now and then: two of 1,500
+// starts waited in vain, none of 24,000 without it.
 using ChildProcess = QProcess;
 #else
 class ChildProcess : public QProcess
