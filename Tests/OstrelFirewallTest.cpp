@@ -8,6 +8,7 @@
 #include "Support/FakeFirewall.h"
 #include "Support/HostProcess.h"
 #include "Support/Programs.h"
+#include "Support/PseudoTerminal.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -117,6 +118,26 @@ TEST_F(OstrelFirewallTest, StatusAndListTellWhatTheToolTells)
         EXPECT_EQ("{\"applications\":[{\"blocked\":true,\"path\":\"/Applications/B b.app\"},"
                   "{\"blocked\":false,\"path\":\"/usr/sbin/smbd\"}]}\n",
                   RunVerb({"list", "--json"}).out);
+      });
+}
+
+TEST_F(OstrelFirewallTest, ListOnATerminalFitsItAndShortensPathsInTheMiddle)
+{
+  RunWithSystemTool(
+      [](FakeFirewall& tool)
+      {
+        FakeFirewall::State state;
+        state.applications = {{"/Applications/" + QByteArray(100, 'x') + "/End.app", true}};
+        tool.Set(state);
+        PseudoTerminal narrow(80, QStringLiteral(OSTREL), {"firewall", "list"});
+        EXPECT_EQ(narrow.Finish(), Done);
+        const QString line = QString::fromUtf8(narrow.Screen()).trimmed();
+        EXPECT_EQ(line.size(), 80) << line.toStdString();
+        EXPECT_TRUE(line.startsWith("blocked /Applications/x")) << line.toStdString();
+        EXPECT_TRUE(line.contains(QChar(0x2026)) && line.endsWith("x/End.app")) << line.toStdString();
+        PseudoTerminal wide(200, QStringLiteral(OSTREL), {"firewall", "list"});
+        EXPECT_EQ(wide.Finish(), Done);
+        EXPECT_EQ(wide.Screen(), RunVerb({"list"}).out);
       });
 }
 

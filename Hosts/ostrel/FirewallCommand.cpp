@@ -133,7 +133,7 @@ public:
   {
     if (!output.IsJson())
       for (const FirewallStep& step : plan)
-        output.Print(ShowStep(step), {});
+        output.PrintFitted(QString::fromUtf8(ShowStep(step)));
   }
 
   int End(const char* outcome, int code, const FirewallPlan& differences = {})
@@ -194,7 +194,7 @@ void PrintList(Output& output, const FirewallView& view)
     const bool isBlocked = view.isBlocked.value(path);
     entries.append(QJsonObject{{QStringLiteral("path"), path}, {QStringLiteral("blocked"), isBlocked}});
     if (!output.IsJson())
-      output.Print((isBlocked ? "blocked " : "allowed ") + QuoteName(path), {});
+      output.PrintFitted(QString::fromUtf8((isBlocked ? "blocked " : "allowed ") + QuoteName(path)));
   }
   if (output.IsJson())
     output.Print({}, {{QStringLiteral("applications"), entries}});

@@ -97,6 +97,11 @@ void Output::Print(const QByteArray& human, const QJsonObject& json)
   PrintLine(IsJson() ? ToJsonLine(json) : human);
 }
 
+void Output::PrintFitted(const QString& text)
+{
+  PrintLine((isTerminal ? Shorten(text, GetWidth(STDOUT_FILENO)) : text).toUtf8());
+}
+
 void Output::PrintTable(const Table& table)
 {
   const QStringList lines = table.ToLines(Style(STDOUT_FILENO), isTerminal ? GetWidth(STDOUT_FILENO) : 0);

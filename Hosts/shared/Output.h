@@ -40,6 +40,9 @@ public:
   /** Prints one result in the chosen format. @p human carries no line end and is safe to show. */
   void Print(const QByteArray& human, const QJsonObject& json);
 
+  /** Prints a line for people, on a terminal shortened to its width. @p text is safe to show. */
+  void PrintFitted(const QString& text);
+
   /** Prints the lines of @p table, on a terminal no wider than it is. */
   void PrintTable(const Table& table);
 
