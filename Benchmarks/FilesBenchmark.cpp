@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 
 #include <fcntl.h>
+#include <map>
 #include <memory>
 #include <spawn.h>
 #include <string>
@@ -71,25 +72,6 @@ QStringList MakeDirectories(const QString& root, int count)
   return directories;
 }
 
-void FilterSubDirsOf(benchmark::State& state)
-{
-  const QTemporaryDir folder;
-  const QStringList directories = MakeDirectories(folder.path(), static_cast<int>(state.range(0)));
-  for (auto _ : state)
-    if (FilterSubDirs(directories).size() != directories.size())
-      state.SkipWithError("wrong answer");
-}
-
-// The system calls that are made for each directory in any case.
-void CanonicalPathsOf(benchmark::State& state)
-{
-  const QTemporaryDir folder;
-  const QStringList directories = MakeDirectories(folder.path(), static_cast<int>(state.range(0)));
-  for (auto _ : state)
-    for (const QString& directory : directories)
-      benchmark::DoNotOptimize(QFileInfo(directory).canonicalFilePath());
-}
-
 // 100 folders of 9 folders with 110 files each: 99,900 entries and some.
 QString MakeTree(const QString& root)
 {
@@ -104,32 +86,65 @@ QString MakeTree(const QString& root)
   return top;
 }
 
-class Tree : public benchmark::Fixture
+// What is measured on takes longer to make than to measure, so each is made once.
+class Stage
 {
 public:
-  void SetUp(benchmark::State&) override
+  const QStringList& Directories(long count)
   {
-    folder = std::make_unique<QTemporaryDir>();
-    top = MakeTree(folder->path());
+    QStringList& directories = made[count];
+    if (directories.isEmpty())
+    {
+      const QString root = folder.filePath(QString::number(count));
+      QDir().mkdir(root);
+      directories = MakeDirectories(root, static_cast<int>(count));
+    }
+    return directories;
   }
 
-  void TearDown(benchmark::State&) override { folder.reset(); }
+  const QString& Tree()
+  {
+    if (tree.isEmpty())
+      tree = MakeTree(folder.path());
+    return tree;
+  }
 
-protected:
-  std::unique_ptr<QTemporaryDir> folder;
-  QString top;
+private:
+  const QTemporaryDir folder;
+  std::map<long, QStringList> made;
+  QString tree;
 };
 
-BENCHMARK_DEFINE_F(Tree, CanRemoveWholeDirectory)(benchmark::State& state)
+std::unique_ptr<Stage> stage;
+
+void FilterSubDirsOf(benchmark::State& state)
 {
+  const QStringList& directories = stage->Directories(state.range(0));
+  for (auto _ : state)
+    if (FilterSubDirs(directories).size() != directories.size())
+      state.SkipWithError("wrong answer");
+}
+
+// The system calls that are made for each directory in any case.
+void CanonicalPathsOf(benchmark::State& state)
+{
+  const QStringList& directories = stage->Directories(state.range(0));
+  for (auto _ : state)
+    for (const QString& directory : directories)
+      benchmark::DoNotOptimize(QFileInfo(directory).canonicalFilePath());
+}
+
+void TreeCanRemoveWholeDirectory(benchmark::State& state)
+{
+  const QString& top = stage->Tree();
   for (auto _ : state)
     if (!CanRemoveWholeDirectory(top))
       state.SkipWithError("wrong answer");
 }
 
-BENCHMARK_DEFINE_F(Tree, FindNotWritable)(benchmark::State& state)
+void TreeFindNotWritable(benchmark::State& state)
 {
-  const std::string path = top.toStdString();
+  const std::string path = stage->Tree().toStdString();
   for (auto _ : state)
     if (!RunBare("/usr/bin/find", {path.c_str(), "-not", "-writable"}).empty())
       state.SkipWithError("wrong answer");
@@ -158,8 +173,8 @@ void BareSpawnOfEcho(benchmark::State& state)
 
 BENCHMARK(FilterSubDirsOf)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(CanonicalPathsOf)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(Tree, CanRemoveWholeDirectory)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_REGISTER_F(Tree, FindNotWritable)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(TreeCanRemoveWholeDirectory)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(TreeFindNotWritable)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK_CAPTURE(IsPathSafeFor, ByItsPrefix, "/Users/somebody/Library/Caches/com.example.tool/data");
 BENCHMARK_CAPTURE(IsPathSafeFor, RefusedByItsText, "/etc/some/where/else/that/is/deep/file");
 BENCHMARK_CAPTURE(IsPathSafeFor, BelowVolumes, "/Volumes/Data/file");
@@ -174,6 +189,8 @@ int main(int argc, char** argv)
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv))
     return 1;
+  stage = std::make_unique<Stage>();
   benchmark::RunSpecifiedBenchmarks();
+  stage.reset();
   return 0;
 }
