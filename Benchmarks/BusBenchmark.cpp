@@ -27,7 +27,7 @@ using namespace Tavrik;
 namespace
 {
 
-const int messagesPerRun = 60;
+const int messagesPerRun = 20;
 const int payloadSize = 64;
 
 double Now()

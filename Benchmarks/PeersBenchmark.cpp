@@ -2,7 +2,8 @@
 //
 //   PeersBenchmark dbus SECONDS      a call and its reply through a daemon of its own
 //   PeersBenchmark objects SECONDS   the same by Qt Remote Objects, where there is no process between
-//   PeersBenchmark timers SECONDS    a process that runs two timers of 20 ms and nothing else
+//   PeersBenchmark timers SECONDS [SOCKETS]    a process that runs two timers of 20 ms and nothing else, but
+//                                              for sockets that it watches and on which nothing comes
 //
 // Every figure is a line "name<TAB>value". Linux.
 
@@ -16,11 +17,14 @@
 #include <QRemoteObjectHost>
 #include <QRemoteObjectNode>
 #include <QRemoteObjectPendingCall>
+#include <QSocketNotifier>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 
 #include <memory>
+#include <sys/socket.h>
+#include <vector>
 
 namespace
 {
@@ -64,8 +68,16 @@ int AnswerAsRemoteObject(const QString& address)
   return QCoreApplication::exec();
 }
 
-int RunTwoTimers()
+int RunTwoTimers(int sockets)
 {
+  std::vector<std::unique_ptr<QSocketNotifier>> watched;
+  for (int i = 0; i < sockets; ++i)
+  {
+    int ends[2] = {-1, -1};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
+      return 1;
+    watched.push_back(std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read));
+  }
   QTimer first;
   QTimer second;
   first.start(20);
@@ -146,9 +158,9 @@ int MeasureRemoteObjects(int seconds)
   return 0;
 }
 
-int MeasureTimers(int seconds)
+int MeasureTimers(int seconds, const QString& sockets)
 {
-  Measure::Role timers(QCoreApplication::applicationFilePath(), {QStringLiteral("two-timers")});
+  Measure::Role timers(QCoreApplication::applicationFilePath(), {QStringLiteral("two-timers"), sockets});
   if (timers.Line() != "ready")
     return 1;
   QThread::msleep(500);
@@ -172,15 +184,15 @@ int main(int argc, char** argv)
   if (role == QLatin1String("answer-objects"))
     return AnswerAsRemoteObject(arguments.value(1));
   if (role == QLatin1String("two-timers"))
-    return RunTwoTimers();
+    return RunTwoTimers(arguments.value(1).toInt());
   const int seconds = arguments.value(1).toInt();
   if (role == QLatin1String("dbus") && seconds > 0)
     return MeasureDBus(seconds);
   if (role == QLatin1String("objects") && seconds > 0)
     return MeasureRemoteObjects(seconds);
   if (role == QLatin1String("timers") && seconds > 0)
-    return MeasureTimers(seconds);
-  std::fputs("usage: PeersBenchmark dbus|objects|timers SECONDS\n", stderr);
+    return MeasureTimers(seconds, arguments.value(2));
+  std::fputs("usage: PeersBenchmark dbus|objects SECONDS | timers SECONDS [SOCKETS]\n", stderr);
   return 2;
 }
 

@@ -83,14 +83,14 @@ def machine():
 def delivery():
     rows = []
     for participants in (3, 30):
-        times = figures("BusBenchmark", "latency", participants, 1 if short else 8)
+        times = figures("BusBenchmark", "latency", participants, 1 if short else 24)
         rows.append([participants] + [f"{times[name]:.1f}" for name in
                     ("mean", "median", "p99", "worst", "least mean of a run", "largest mean of a run")])
         goal(f"delivery, {participants} participants, mean", times["mean"], 33, " ms")
         goal(f"delivery, {participants} participants, p99", times["p99"], 66, " ms")
     return ("## Delivery\n\nFrom `Say` to `OnMessage` over three processes, in milliseconds. Three ticks of 20 ms lie on "
             "the way: 30 ms in the mean, 60 at most.\nWithin one run the ticks of the three processes keep their "
-            "distance, so the mean of a run depends on how they fell;\nhence many runs of 60 messages, each with new "
+            "distance, so the mean of a run depends on how they fell;\nhence many runs of 20 messages, each with new "
             "processes.\n\n" +
             table(["participants", "mean", "median", "p99", "worst", "least mean of a run", "largest mean of a run"],
                   rows))
@@ -125,6 +125,9 @@ def idling():
     seconds = 2 if short else 6
     timers = repeated(3, "PeersBenchmark", "timers", seconds)
     rows = [["two timers of 20 ms, nothing else", f"{timers['ms per s']:.2f}", "1x", f"{timers['wake-ups per s']:.0f}"]]
+    watching = repeated(3, "PeersBenchmark", "timers", seconds, 33)
+    rows.append(["the same, watching 33 silent sockets", f"{watching['ms per s']:.2f}",
+                 f"{watching['ms per s'] / timers['ms per s']:.2f}x", f"{watching['wake-ups per s']:.0f}"])
     for members, what in ((2, "participant"), (33, "server")):
         costs = repeated(3, "BusBenchmark", "idle", members, seconds)
         name = "a participant" if what == "participant" else f"a server, {members - 1} others"
