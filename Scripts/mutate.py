@@ -12,8 +12,8 @@ import subprocess
 import sys
 import time
 
-BUS = ["BazaarServerTest", "BazaarClientTest", "BazaarContextTest", "BazaarProcessTest", "BazaarInsideTest",
-       "BazaarElectionTest"]
+BUS = ["BazaarServerTest", "BazaarClientTest", "BazaarLimitsTest", "BazaarContextTest", "BazaarInsideTest",
+       "BazaarProcessTest", "BazaarElectionTest"]
 
 # What covers a source, the tests that need not be compiled anew first. Others than these are shown to the bus's.
 TESTS = {
