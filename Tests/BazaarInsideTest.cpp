@@ -477,6 +477,31 @@ TEST(Intake, TakesGarbageAtOnceWithTheReadersLinesAndKeepsABegunSignature)
   EXPECT_THAT(feed.stream.waits, IsEmpty());
 }
 
+TEST(Intake, LooksNoFurtherThroughGarbageThanToTheNextSignature)
+{
+  const QByteArray piece = QByteArray(200000, 'g') + Wire::Signature() + Wire::Int(30);
+  const int pieces = 50;
+  Stream stream(piece.repeated(pieces));
+  Details::Intake intake;
+  Packet packet;
+  intake.Take(&stream, &packet);
+  EXPECT_GT(stream.bytes.size(), piece.size() * (pieces - 2));
+}
+
+TEST(Intake, FindsASignatureAcrossThePiecesItLooksAt)
+{
+  const QByteArray packet = CreatePacket("demo", "MESSAGE", CreateBodyMessage(1, "a", "b"));
+  for (int garbage = 65536 - 8; garbage <= 65536 + 8; ++garbage)
+  {
+    Stream stream(QByteArray(garbage, 'g') + packet);
+    Details::Intake intake;
+    Packet taken;
+    ASSERT_TRUE(intake.Take(&stream, &taken)) << garbage;
+    EXPECT_EQ(taken.command, "MESSAGE") << garbage;
+    EXPECT_EQ(stream.bytesAvailable(), 0) << garbage;
+  }
+}
+
 TEST(Intake, HandsABadPacketToTheReaderWithoutWaiting)
 {
   QByteArray badHeader = agentPacket;

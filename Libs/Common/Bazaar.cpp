@@ -85,6 +85,7 @@ const int smallestPacket = 48;           // bytes that must wait before a tick r
 const int smallestHeader = 14;           // bytes
 const int smallestBody = 4;              // bytes
 const int largestArray = std::numeric_limits<int>::max() - 64; // bytes that one QByteArray holds for sure
+const qint64 longestGlance = 65536; // bytes of garbage that are looked through at once
 const int smallestReadAhead = 4096; // bytes that Qt may read ahead where packets are limited
 const int warningPeriod = 10000;    // ms in which a limit's breaches are told once
 const int longestShownName = 64;    // bytes of a name in such a line
@@ -389,18 +390,18 @@ private:
   // False when there was nothing but bytes that belong to no packet: then `packet` tells so.
   bool SkipToSignature(QIODevice* device, Packet* packet)
   {
-    if (device->peek(signature.size()) != signature)
+    while (device->peek(signature.size()) != signature)
     {
-      const QByteArray waiting = device->peek(device->bytesAvailable());
-      const int beginning = FindBeginning(waiting);
-      if (waiting.size() - beginning < signature.size())
+      // In pieces: what is looked at leaves the socket's buffer, which then takes in as much again.
+      const QByteArray glance = device->peek(std::min(device->bytesAvailable(), longestGlance));
+      const bool isAll = glance.size() == device->bytesAvailable();
+      device->skip(FindBeginning(glance));
+      if (isAll && device->bytesAvailable() < signature.size())
       {
         // Hunting through it byte by byte would find no more than this.
-        device->skip(beginning);
         *packet = ReadCopy(device, 0);
         return false;
       }
-      device->skip(beginning);
     }
     needed = preambleSize;
     return true;
