@@ -62,6 +62,7 @@ Bazaar::Limits ServerLimits()
   limits.queuedBytes = 16LL * LargestPacket();
   limits.unwrittenBytes = 4LL * LargestPacket();
   limits.clients = 64;
+  limits.clientRate = 1 << 20;
   return limits;
 }
 

@@ -30,7 +30,7 @@ namespace
 const long long hugest = std::numeric_limits<long long>::max();
 const std::vector<long long Limits::*> allLimits = {
     &Limits::admissionTime, &Limits::replyTime,      &Limits::packetSize, &Limits::queuedMessages,
-    &Limits::queuedBytes,   &Limits::unwrittenBytes, &Limits::clients};
+    &Limits::queuedBytes,   &Limits::unwrittenBytes, &Limits::clients,    &Limits::clientRate};
 
 void Limit(long long Limits::*which, long long value)
 {
@@ -718,6 +718,66 @@ TEST_F(Clients, WithoutALimitAllCome)
   for (const auto& client : many)
     EXPECT_TRUE(client->IsConnected());
   EXPECT_THAT(log.Warnings(), IsEmpty());
+}
+
+// ---- Rate -----------------------------------------------------------------------------------------------
+
+using Rate = Limited;
+
+TEST_F(Rate, OfAClientIsHeldWhileOthersAreHeardAtOnce)
+{
+  Limit(&Limits::clientRate, 1000);
+  Serve();
+  const auto loud = Joined("loud");
+  const auto quiet = Joined("quiet");
+  loud->Say(1, "server", QByteArray(1000000, 'x')); // for which it pays a quarter of an hour
+  ASSERT_EQ(loud->Result(1), "OK");
+  loud->Say(2, "server", "more");
+  for (int id = 1; id <= 10; ++id)
+  {
+    quiet->Say(id, "server", "little");
+    EXPECT_EQ(quiet->Result(id), "OK");
+  }
+  EXPECT_FALSE(recorder->Has("message loud more"));
+
+  // What had been said before one left is passed on all the same.
+  loud->Close();
+  EXPECT_TRUE(SpinUntil([&] { return recorder->Has("message loud more"); }));
+}
+
+TEST_F(Rate, LetsAClientGoOnWhenItHasPaid)
+{
+  Limit(&Limits::clientRate, 1 << 20);
+  Serve();
+  const auto client = Joined("client");
+  QElapsedTimer time;
+  time.start();
+  for (int id = 1; id <= 3; ++id)
+    client->Say(id, "server", QByteArray(1 << 18, 'x'));
+  for (int id = 1; id <= 3; ++id)
+    EXPECT_EQ(client->Result(id), "OK");
+  EXPECT_GE(time.elapsed(), 450); // two quarters of a second, less what a clock may be off
+}
+
+TEST_F(Rate, CountsGarbageToo)
+{
+  Limit(&Limits::clientRate, 1000);
+  Serve();
+  const auto client = Joined("client");
+  client->Write(QByteArray(1000000, 'g'));
+  ASSERT_TRUE(SpinUntil([&] { return !log.Errors().empty(); }));
+  client->Say(1, "server", "after garbage");
+  ExpectService();
+  EXPECT_FALSE(recorder->Has("message client after garbage"));
+}
+
+TEST_F(Rate, DoesNotHoldTheServersOwnParticipant)
+{
+  Limit(&Limits::clientRate, 1);
+  Serve();
+  for (int id = 1; id <= 3; ++id)
+    server->Say(QStringLiteral("server"), QByteArray(100000, 'x'));
+  EXPECT_TRUE(SpinUntil([&] { return recorder->Has("result 3 OK"); }));
 }
 
 } // namespace

@@ -49,6 +49,7 @@ void LimitBus()
   limits.packetSize = longestPayload + 1024LL * 1024;
   limits.unwrittenBytes = 2 * limits.packetSize;
   limits.clients = 256;
+  limits.clientRate = 8LL * 1024 * 1024;
   Tavrik::Bazaar::SetLimits(limits);
 }
 

@@ -374,6 +374,15 @@ public:
     return true;
   }
 
+  bool IsPaused() const { return SteadyClock::now() < end; }
+
+  // For as long as so many bytes take at `rate` a second.
+  void PauseAfter(long long bytes, long long rate)
+  {
+    const double pause = static_cast<double>(bytes) / static_cast<double>(rate);
+    end = SteadyClock::now() + boost::chrono::microseconds(static_cast<long long>(pause * 1e6));
+  }
+
 private:
   // Where a signature, or what has come of it, begins.
   static int FindBeginning(const QByteArray& data)
@@ -465,6 +474,7 @@ private:
   bool isBodyKnown = false;
   long long seen = 0;
   SteadyClock::time_point lastArrival;
+  SteadyClock::time_point end; // of the pause
 };
 
 } // namespace Details
@@ -752,7 +762,7 @@ public:
   void RemoveClient(const QByteArray& name);
   void SendStatus();
   void CheckClients();
-  bool TakeAndRoute(const QByteArray& name, QLocalSocket* client);
+  bool TakeAndRoute(const QByteArray& name, QLocalSocket* client, bool isPaced = false);
   void RoutePacket(const QByteArray& name, const Packet& packet);
   void SendMessage(const QByteArray& sender, const QByteArray& recipient, const QByteArray& data,
                    long long id);
@@ -1562,20 +1572,25 @@ void Context::Impl::CheckClients()
     if (*client && (*client)->bytesAvailable() >= smallestPacket)
       speakers.append(client.key());
   for (const QByteArray& name : qAsConst(speakers))
-    TakeAndRoute(name, clients.value(name));
+    TakeAndRoute(name, clients.value(name), limits.clientRate > 0 && name != clientName);
   ExpelTheIdle();
 }
 
-bool Context::Impl::TakeAndRoute(const QByteArray& name, QLocalSocket* client)
+bool Context::Impl::TakeAndRoute(const QByteArray& name, QLocalSocket* client, bool isPaced)
 {
   if (!client || client->bytesAvailable() < smallestPacket)
     return false;
   auto found = intakes.find(client);
   if (found == intakes.end())
     found = intakes.insert(client, Details::Intake(LargestPacket()));
+  if (isPaced && found->IsPaused())
+    return false;
   Packet packet;
+  const long long waiting = client->bytesAvailable();
   if (found->Take(client, &packet))
   {
+    if (isPaced)
+      found->PauseAfter(waiting - client->bytesAvailable(), limits.clientRate);
     RoutePacket(name, packet);
     return true;
   }
@@ -1919,7 +1934,7 @@ void SetLimits(const Limits& limits)
   Limits set = limits;
   for (long long Limits::*limit :
        {&Limits::admissionTime, &Limits::replyTime, &Limits::packetSize, &Limits::queuedMessages,
-        &Limits::queuedBytes, &Limits::unwrittenBytes, &Limits::clients})
+        &Limits::queuedBytes, &Limits::unwrittenBytes, &Limits::clients, &Limits::clientRate})
     set.*limit = std::max(set.*limit, 0LL);
   const boost::unique_lock<boost::mutex> lock(processLimitsMutex);
   processLimits = set;

@@ -87,6 +87,14 @@ struct Limits
    * are closed at once.
    */
   long long clients = 0;
+
+  /**
+   * Bytes a second that a server reads from one client: after a packet of so many bytes it leaves the client
+   * alone for a second, after one of half as many for half a second. What the client sends meanwhile waits
+   * with it once the system's buffers are full. The server's own participant is not held back, and what was
+   * sent by one who leaves is read at once.
+   */
+  long long clientRate = 0;
 };
 
 /**
