@@ -31,6 +31,7 @@ TESTS = {
     "ReadProcess.cpp": ["ReadProcessTest"],
     "RootExecutor.cpp": ["DarwinRootExecutorTest", "RootExecutorTest"],
     "Platform/ApplicationLocations.cpp": ["ApplicationLocationsTest", "RAMCleanerTest"],
+    "Platform/Linux/LocalPeer.cpp": ["LocalPeerTest"] + BUS,
     "Platform/Linux/MemoryStatistics.cpp": ["RAMInfoTest", "RAMCleanerTest"],
     "Platform/Linux/PrivilegedLauncher.cpp": ["FirewallTest", "RootExecutorTest"],
     "Platform/Linux/SettingsStore.cpp": ["DaemonSettingsTest"],
