@@ -43,6 +43,13 @@ bool HasChildren()
   return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
+// Where nobody takes in orphans, what has ended stays to be seen.
+bool IsRunning(const QByteArray& pid)
+{
+  const QByteArray state = ReadText("/proc/" + pid + "/stat");
+  return !state.isEmpty() && state.mid(state.lastIndexOf(')') + 2, 1) != "Z";
+}
+
 // How the tool came to its rights.
 enum class Way
 {
@@ -130,7 +137,7 @@ protected:
         [&]
         {
           for (const QByteArray& pid : Report("pids").split('\n'))
-            if (!pid.isEmpty() && QFile::exists("/proc/" + pid))
+            if (!pid.isEmpty() && IsRunning(pid))
               return false;
           return true;
         }))

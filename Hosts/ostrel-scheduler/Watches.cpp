@@ -10,9 +10,12 @@
 
 #include <glog/logging.h>
 
+#include <QFile>
 #include <QStorageInfo>
 
 #include <algorithm>
+#include <optional>
+#include <sys/statvfs.h>
 
 namespace Ostrel
 {
@@ -27,6 +30,26 @@ constexpr qint64 pageSize = 4096;
 
 // A value that wavers about its limit is one event, not many: it has to come back by so much of the limit.
 constexpr qint64 marginPart = 20;
+
+struct Space
+{
+  qint64 available; // bytes
+  qint64 total;
+};
+
+// Of the disk that holds a path. In a container the table of mounts may lack the root; the file system itself
+// knows, but on macOS only up to 16 TiB.
+std::optional<Space> FindSpace(const QString& path)
+{
+  const QStorageInfo disk(path);
+  if (disk.isValid() && disk.isReady() && disk.bytesAvailable() >= 0)
+    return Space{disk.bytesAvailable(), disk.bytesTotal()};
+  struct statvfs status = {};
+  if (statvfs(QFile::encodeName(path).constData(), &status) != 0)
+    return {};
+  const auto block = static_cast<qint64>(status.f_frsize);
+  return Space{static_cast<qint64>(status.f_bavail) * block, static_cast<qint64>(status.f_blocks) * block};
+}
 
 void Insert(QJsonObject& object, const QString& name, const std::optional<qint64>& value)
 {
@@ -106,17 +129,17 @@ void Watches::LookAtDisk(Notices& notices)
     state.SetTold(NoticeKind::FreeDiskSpace, false);
     return;
   }
-  const QStorageInfo disk(options.disk);
-  if (!disk.isValid() || !disk.isReady() || disk.bytesAvailable() < 0)
+  const std::optional<Space> disk = FindSpace(options.disk);
+  if (!disk)
   {
     LOG(WARNING) << "Can't learn the free space of the disk of " << EscapeText(options.disk).constData();
     return;
   }
-  findings.freeDiskSpace = disk.bytesAvailable();
+  findings.freeDiskSpace = disk->available;
   FollowShortage(
       notices,
-      MakeNotice(NoticeKind::FreeDiskSpace, disk.bytesAvailable(), settings.freeDiskSpaceLimit, options.disk),
-      disk.bytesTotal());
+      MakeNotice(NoticeKind::FreeDiskSpace, disk->available, settings.freeDiskSpaceLimit, options.disk),
+      disk->total);
 }
 
 void Watches::LookAtMemory(Notices& notices)

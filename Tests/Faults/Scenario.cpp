@@ -406,6 +406,7 @@ int main(int argc, char** argv)
 {
   // What this starts is not to be preloaded as well.
   unsetenv("LD_PRELOAD");
+  unsetenv("LD_LIBRARY_PATH");
   google::InitGoogleLogging(argv[0]);
   FLAGS_logtostderr = true;
   QCoreApplication application(argc, argv);
