@@ -2,6 +2,7 @@
 // of a name of its own, because the doctor finds buses of the same name in other temporary folders, too.
 
 #include "ExitCodes.h"
+#include "Support/HostProcess.h"
 #include "Support/Processes.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QThread>
 
 #include <algorithm>
@@ -27,16 +27,12 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
-#ifdef __linux__
-#include <sys/prctl.h>
-#endif
 
 using namespace Ostrel;
 
 namespace
 {
 
-constexpr int longWait = 30000; // ms; an upper bound for what takes well below a second
 #ifdef TAVRIK_SANITIZED
 constexpr int promised = 10000; // ms
 #else
@@ -56,36 +52,16 @@ QString GetSocketPath(const QString& folder = QDir::tempPath())
          QString::fromLatin1(QCryptographicHash::hash(seed.toUtf8(), QCryptographicHash::Sha1).toHex());
 }
 
-class Process : public QProcess
+class Process : public HostProcess
 {
 public:
   Process(const QStringList& arguments, const QString& folder)
+      : HostProcess(QStringLiteral(OSTREL), arguments)
   {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("TMPDIR", folder);
     setProcessEnvironment(environment);
-    start(QStringLiteral(OSTREL), arguments);
-  }
-
-  ~Process() override
-  {
-    if (state() == NotRunning)
-      return;
-    Signal(SIGCONT);
-    terminate();
-    if (!waitForFinished(5000))
-      kill();
-    waitForFinished(5000);
-  }
-
-  void Signal(int number) { ::kill(static_cast<pid_t>(processId()), number); }
-
-protected:
-  void setupChildProcess() override
-  {
-#ifdef __linux__
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-#endif
+    start();
   }
 };
 
@@ -94,14 +70,7 @@ std::unique_ptr<Process> Listen(const QString& name, const QString& folder = QDi
 {
   auto listener = std::make_unique<Process>(
       QStringList{"bus", "listen", "--json", "--context", GetContextName(), "--name", name}, folder);
-  QByteArray out;
-  QElapsedTimer waiting;
-  for (waiting.start(); !out.contains("\"ready\"") && !waiting.hasExpired(longWait);)
-  {
-    listener->waitForReadyRead(20);
-    out += listener->readAllStandardOutput();
-  }
-  EXPECT_TRUE(out.contains("\"ready\"")) << listener->readAllStandardError().toStdString();
+  EXPECT_TRUE(listener->WaitForOutput([&] { return listener->Out().contains("\"ready\""); }, "ready"));
   return listener;
 }
 
