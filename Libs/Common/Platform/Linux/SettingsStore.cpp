@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QSettings>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -70,7 +71,7 @@ public:
   {
     if (!isKept)
       return;
-    if (IsCutOff() && rename(kept.constData(), path.constData()) == 0)
+    if ((IsCutOff() || HasLostKeys()) && rename(kept.constData(), path.constData()) == 0)
       return;
     unlink(kept.constData());
   }
@@ -85,6 +86,25 @@ private:
     QFile file(QFile::decodeName(path));
     return file.open(QIODevice::ReadOnly) && !file.readAll().endsWith('\n') &&
            file.error() == QFileDevice::NoError;
+  }
+
+  // A store that could not be read is written as if nothing had been in it.
+  bool HasLostKeys() const
+  {
+    // Under its own name the file is remembered by QSettings, not read.
+    const QByteArray seen = path + ".seen";
+    unlink(seen.constData());
+    if (link(path.constData(), seen.constData()) != 0)
+      return false;
+    const QStringList now = KeysOf(seen);
+    unlink(seen.constData());
+    const QStringList before = KeysOf(kept);
+    return std::any_of(before.begin(), before.end(), [&](const QString& key) { return !now.contains(key); });
+  }
+
+  static QStringList KeysOf(const QByteArray& file)
+  {
+    return QSettings(QFile::decodeName(file), QSettings::NativeFormat).allKeys();
   }
 
   const QByteArray path;
