@@ -87,6 +87,7 @@ TEST(LocalPeer, ThatHasEndedIsNotAliveThoughItsParentHasNotLooked)
   EXPECT_FALSE(IsAlive(process));
   waitpid(child, nullptr, 0);
   EXPECT_FALSE(IsAlive(process));
+  EXPECT_FALSE(IsAlive({child, 0}));
 }
 
 TEST(LocalPeer, WhereTheSystemTellsNoStartIsAliveWhileTheProcessIs)
