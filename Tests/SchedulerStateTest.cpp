@@ -46,6 +46,20 @@ TEST_F(Keeping, NoticeOutlivesAKilledSchedulerAndIsNotRepeated)
   EXPECT_EQ(asking.Events().first().value("id").toInt(), 1);
 }
 
+TEST_F(Keeping, LockThatIsGivenBackSoonIsWaitedFor)
+{
+  ASSERT_TRUE(QDir().mkpath(home + "/state"));
+  const int lock =
+      open(QFile::encodeName(stateFile + ".lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_GE(lock, 0);
+  ASSERT_EQ(0, flock(lock, LOCK_EX));
+  SchedulerProcess scheduler(Arguments({"--once"}));
+  scheduler.Begin();
+  EXPECT_FALSE(scheduler.waitForFinished(200)) << scheduler.Err().toStdString();
+  close(lock);
+  EXPECT_EQ(scheduler.Finish(), Done);
+}
+
 TEST_F(Keeping, StateIsTheUsersAlone)
 {
   WantAllMemory();

@@ -4,6 +4,7 @@
 #include "SafeText.h"
 #include "Texts.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -22,6 +23,8 @@ namespace Ostrel
 namespace
 {
 
+constexpr int longestLockWait = 1000;          // ms
+constexpr useconds_t betweenTries = 10 * 1000; // us
 constexpr int stateVersion = 1;
 constexpr int mostNotices = 1000;
 constexpr qint64 longestFile = 16LL * 1024 * 1024;
@@ -85,11 +88,16 @@ bool State::Lock()
   lockFile = open(name.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
   if (lockFile < 0)
     return true;
-  int result = 0;
-  do
-    result = flock(lockFile, LOCK_EX | LOCK_NB);
-  while (result != 0 && errno == EINTR);
-  return result == 0 || errno != EWOULDBLOCK;
+  // A child that a killed scheduler had just made holds the lock until it becomes the program that it is to
+  // run.
+  const QDeadlineTimer patience(longestLockWait);
+  while (flock(lockFile, LOCK_EX | LOCK_NB) != 0)
+  {
+    if (errno != EINTR && (errno != EWOULDBLOCK || patience.hasExpired()))
+      return errno != EWOULDBLOCK;
+    usleep(betweenTries);
+  }
+  return true;
 }
 
 void State::Load(bool isReadOnly)

@@ -28,7 +28,11 @@ public:
   State(const State&) = delete;
   State& operator=(const State&) = delete;
 
-  /** Takes the lock. @return False when another scheduler holds it; where there can be no lock, true. */
+  /**
+   * Takes the lock, waiting for up to a second.
+   *
+   * @return False when another scheduler holds it; where there can be no lock, true.
+   */
   bool Lock();
 
   /** Reads the file; with @p isReadOnly nothing is ever written or set aside. */
