@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSettings>
 
 #include <algorithm>
@@ -102,9 +103,11 @@ private:
     return std::any_of(before.begin(), before.end(), [&](const QString& key) { return !now.contains(key); });
   }
 
+  // The plain ones, as the settings' are: of others Qt does not keep every one when it writes.
   static QStringList KeysOf(const QByteArray& file)
   {
-    return QSettings(QFile::decodeName(file), QSettings::NativeFormat).allKeys();
+    static const QRegularExpression plain(QRegularExpression::anchoredPattern(QStringLiteral("\\w+")));
+    return QSettings(QFile::decodeName(file), QSettings::NativeFormat).allKeys().filter(plain);
   }
 
   const QByteArray path;
