@@ -119,6 +119,13 @@ TEST(ReadDataWithTimeout, ReturnsThePartThatCame)
   EXPECT_THAT(log.Errors(), ElementsAre("Could't read 5 bytes. Have read only 2 (TIMEOUT)"));
 }
 
+TEST(ReadDataWithTimeout, LeavesWhatComesBehindTheLastByteToTheNextRead)
+{
+  PieceDevice device({"ab", "cdefgh"});
+  EXPECT_EQ(Tavrik::ReadDataWithTimeout(&device, 3, 10), "abc");
+  EXPECT_EQ(device.current, "defgh");
+}
+
 TEST(ReadDataWithTimeout, OfZeroBytesWaitsOnceWhenNothingIsPendingAndLogsNothing)
 {
   PieceDevice device({});
@@ -195,6 +202,14 @@ TEST(ReadData, CountsOnlyEmptyReadsInARow)
   const LogCapture log;
   EXPECT_EQ(Tavrik::ReadData(&device, 3, 1, 2), "abc");
   EXPECT_THAT(log.Lines(), IsEmpty());
+}
+
+TEST(ReadData, LeavesWhatComesBehindTheLastByteToTheNextRead)
+{
+  PieceDevice device({"ab", "cdefgh"});
+  device.polled = true;
+  EXPECT_EQ(Tavrik::ReadData(&device, 3, 1, 2), "abc");
+  EXPECT_EQ(device.current, "defgh");
 }
 
 TEST(ReadData, OfZeroBytesIsEmptyAndLogsNothing)
