@@ -65,12 +65,13 @@ public:
       return;
     kept = path + ".former";
     unlink(kept.constData());
-    isKept = link(path.constData(), kept.constData()) == 0;
+    if (link(path.constData(), kept.constData()) != 0)
+      kept.clear();
   }
 
   ~FormerFile()
   {
-    if (!isKept)
+    if (kept.isEmpty())
       return;
     if ((IsCutOff() || HasLostKeys()) && rename(kept.constData(), path.constData()) == 0)
       return;
@@ -112,7 +113,6 @@ private:
 
   const QByteArray path;
   QByteArray kept;
-  bool isKept = false;
 };
 
 } // namespace
