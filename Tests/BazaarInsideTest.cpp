@@ -1114,7 +1114,7 @@ struct Routing : InsideTest
     end->connectToServer(impl->serverName);
     end->waitForConnected();
     impl->server->waitForNewConnection(1000);
-    impl->clients.insert(name, impl->server->nextPendingConnection());
+    impl->Enter(name, impl->server->nextPendingConnection());
   }
 
   Wire::Received Next(QLocalSocket* end)
