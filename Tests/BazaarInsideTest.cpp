@@ -1232,6 +1232,56 @@ TEST_F(Routing, TakesOnePacketPerClientAndTick)
   EXPECT_EQ(end->bytesAvailable(), packets.size() / 3);
 }
 
+TEST_F(Routing, LooksAtNobodyUntilSomebodyHasSpoken)
+{
+  impl->clientsTimer.stop();
+  impl->CheckClients();
+  EXPECT_FALSE(impl->haveClientsSpoken);
+  ben.write(Wire::Message("demo", 1, "cleo", "1"));
+  ben.flush();
+  ASSERT_TRUE(SpinUntil([&] { return impl->haveClientsSpoken; }));
+  impl->CheckClients();
+  EXPECT_TRUE(impl->haveClientsSpoken);
+  impl->CheckClients();
+  EXPECT_FALSE(impl->haveClientsSpoken);
+}
+
+TEST_F(Routing, AServersTickThatIsDueEarlierThanItsParticipantsIsPutOffOnceInAWhile)
+{
+  const int minute = 60000;
+  const int tick = 20;
+  impl->socketTimer.start(2 * minute);
+  impl->ticksAsServer = 0;
+  impl->clientsTimer.start(minute);
+  impl->AlignTicks();
+  EXPECT_EQ(impl->clientsTimer.interval(), tick);
+  for (int i = 1; i < 256; ++i)
+  {
+    impl->clientsTimer.start(minute);
+    impl->AlignTicks();
+    EXPECT_EQ(impl->clientsTimer.interval(), minute);
+  }
+  impl->AlignTicks();
+  EXPECT_EQ(impl->clientsTimer.interval(), tick);
+}
+
+TEST_F(Routing, AServersTickThatIsDueWithItsParticipantsStaysWhereItIs)
+{
+  const int minute = 60000;
+  impl->socketTimer.start(minute);
+  for (const int due : {0, 2 * minute})
+  {
+    impl->ticksAsServer = 0;
+    impl->clientsTimer.start(due);
+    impl->AlignTicks();
+    EXPECT_EQ(impl->clientsTimer.interval(), due);
+  }
+  impl->clientsTimer.stop();
+  impl->ticksAsServer = 0;
+  impl->AlignTicks();
+  EXPECT_FALSE(impl->clientsTimer.isActive());
+}
+
 TEST_F(Routing, LogsAnUnexpectedCommandWithTheClientsName)
 {
   const LogCapture log;
