@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -469,6 +470,23 @@ TEST(DaemonSettings, OfAnotherProcessAreSeenByTheNextReadAndKeptByTheNextWrite)
   EXPECT_EQ(unseen, 0);
   EXPECT_EQ(lost, 0);
   EXPECT_TRUE(Succeeds(other));
+}
+
+// By its time and size a reader tells whether a file has changed.
+TEST(DaemonSettings, EachWriteLeavesATimeThatNoEarlierStateOfTheStoreHad)
+{
+  DaemonSettings settings;
+  settings.SetTrashSizeLimit(1001);
+  const QDateTime ahead = QDateTime::fromMSecsSinceEpoch(QDateTime::currentMSecsSinceEpoch() + 3600000);
+  QFile file(OpenStore()->fileName());
+  ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+  ASSERT_TRUE(file.setFileTime(ahead, QFileDevice::FileModificationTime));
+  file.close();
+
+  settings.SetTrashSizeLimit(1002);
+  EXPECT_EQ(QFileInfo(file).lastModified(), ahead.addMSecs(1));
+  settings.SetTrashSizeLimit(1003);
+  EXPECT_EQ(QFileInfo(file).lastModified(), ahead.addMSecs(2));
 }
 
 // Every process looks into the file itself, past what QSettings remembers, for what it wrote before.
