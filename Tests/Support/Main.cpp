@@ -1,6 +1,9 @@
 // Every test runs in a home and a temporary directory of its own. The library looks at the temporary
 // directory when it is loaded, so the test proper is a second process that is started with the right
 // environment; the first waits for it, and sees to it that nothing stays behind.
+//
+// TAVRIK_TEST_ROOT is where the homes are made, /tmp when it is not set. TAVRIK_TEST_WRAPPER is a command
+// line, words between blanks, that runs the test proper: "valgrind -q".
 
 #include <gtest/gtest.h>
 
@@ -13,10 +16,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 #ifdef __linux__
 #include <sys/prctl.h>
 #endif
@@ -52,9 +58,35 @@ bool ReportLeftovers(const QString& folder)
   return isClean;
 }
 
+std::string Setting(const char* name, const char* otherwise)
+{
+  const char* const value = std::getenv(name);
+  return value && *value ? value : otherwise;
+}
+
+// Returns only when it could not.
+void Become(char** argv)
+{
+  std::istringstream words(Setting("TAVRIK_TEST_WRAPPER", ""));
+  std::vector<std::string> wrapper{std::istream_iterator<std::string>(words), {}};
+  if (wrapper.empty())
+  {
+    execv("/proc/self/exe", argv);
+    execvp(argv[0], argv);
+    return;
+  }
+  std::vector<char*> line;
+  for (std::string& word : wrapper)
+    line.push_back(word.data());
+  for (; *argv; ++argv)
+    line.push_back(*argv);
+  line.push_back(nullptr);
+  execvp(line[0], line.data());
+}
+
 int RunApart(char** argv)
 {
-  std::string home = "/tmp/tavrik-test.XXXXXX";
+  std::string home = Setting("TAVRIK_TEST_ROOT", "/tmp") + "/tavrik-test.XXXXXX";
   if (!mkdtemp(home.data()))
   {
     std::perror("mkdtemp");
@@ -79,8 +111,7 @@ int RunApart(char** argv)
     setenv("XDG_CACHE_HOME", (home + "/cache").c_str(), 1);
     setenv("TMPDIR", temporary.c_str(), 1);
     setenv(marker, home.c_str(), 1);
-    execv("/proc/self/exe", argv);
-    execvp(argv[0], argv);
+    Become(argv);
     std::perror("exec");
     _exit(EXIT_FAILURE);
   }
