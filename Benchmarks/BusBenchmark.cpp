@@ -27,7 +27,7 @@ using namespace Tavrik;
 namespace
 {
 
-const int messagesPerRun = 20;
+const int messagesPerRun = 10;
 const int payloadSize = 64;
 
 double Now()

@@ -24,10 +24,10 @@ def figures(program, *arguments):
     return {name: float(value) for name, value in pairs}
 
 
-def repeated(times, program, *arguments):
-    """The median of each figure over several runs."""
-    runs = [figures(program, *arguments) for _ in range(1 if short else times)]
-    return {name: statistics.median(one[name] for one in runs) for name in runs[0]}
+def repeated(times, *commands):
+    """The median of each figure of each command over several runs, in turns: a machine is not always equally fast."""
+    rounds = [[figures(*command) for command in commands] for _ in range(1 if short else times)]
+    return [{name: statistics.median(run[name] for run in runs) for name in runs[0]} for runs in zip(*rounds)]
 
 
 def google(program, pattern=".", repetitions=5):
@@ -83,14 +83,14 @@ def machine():
 def delivery():
     rows = []
     for participants in (3, 30):
-        times = figures("BusBenchmark", "latency", participants, 1 if short else 24)
+        times = figures("BusBenchmark", "latency", participants, 2 if short else 60)
         rows.append([participants] + [f"{times[name]:.1f}" for name in
                     ("mean", "median", "p99", "worst", "least mean of a run", "largest mean of a run")])
         goal(f"delivery, {participants} participants, mean", times["mean"], 33, " ms")
         goal(f"delivery, {participants} participants, p99", times["p99"], 66, " ms")
     return ("## Delivery\n\nFrom `Say` to `OnMessage` over three processes, in milliseconds. Three ticks of 20 ms lie on "
             "the way: 30 ms in the mean, 60 at most.\nWithin one run the ticks of the three processes keep their "
-            "distance, so the mean of a run depends on how they fell;\nhence many runs of 20 messages, each with new "
+            "distance, so the mean of a run depends on how they fell;\nhence 60 runs of 10 messages, each with new "
             "processes.\n\n" +
             table(["participants", "mean", "median", "p99", "worst", "least mean of a run", "largest mean of a run"],
                   rows))
@@ -106,8 +106,8 @@ def routing():
         goal(f"routing, {senders} senders, distance of the worst from 50 a second",
              max(50 - rates["least rate"], rates["largest rate"] - 50) / 50 * 100, 2, " %")
     busiest = rates["server us per message"]
-    dbus = repeated(3, "PeersBenchmark", "dbus", 1 if short else 5)
-    objects = repeated(3, "PeersBenchmark", "objects", 1 if short else 5)
+    seconds = 1 if short else 5
+    dbus, objects = repeated(3, ("PeersBenchmark", "dbus", seconds), ("PeersBenchmark", "objects", seconds))
     daemon = dbus["daemon us per call and reply"]
     source = objects["source us per call and reply"]
     goal("server's processor time per routed message, beside a D-Bus daemon's for a call and its reply",
@@ -123,14 +123,12 @@ def routing():
 
 def idling():
     seconds = 2 if short else 6
-    timers = repeated(3, "PeersBenchmark", "timers", seconds)
+    timers, watching, *ours = repeated(5, ("PeersBenchmark", "timers", seconds), ("PeersBenchmark", "timers", seconds, 33),
+                                       ("BusBenchmark", "idle", 2, seconds), ("BusBenchmark", "idle", 33, seconds))
     rows = [["two timers of 20 ms, nothing else", f"{timers['ms per s']:.2f}", "1x", f"{timers['wake-ups per s']:.0f}"]]
-    watching = repeated(3, "PeersBenchmark", "timers", seconds, 33)
     rows.append(["the same, watching 33 silent sockets", f"{watching['ms per s']:.2f}",
                  f"{watching['ms per s'] / timers['ms per s']:.2f}x", f"{watching['wake-ups per s']:.0f}"])
-    for members, what in ((2, "participant"), (33, "server")):
-        costs = repeated(3, "BusBenchmark", "idle", members, seconds)
-        name = "a participant" if what == "participant" else f"a server, {members - 1} others"
+    for costs, what, name in zip(ours, ("participant", "server"), ("a participant", "a server, 32 others")):
         ratio = costs[what + " ms per s"] / timers["ms per s"]
         rows.append([name, f"{costs[what + ' ms per s']:.2f}", f"{ratio:.2f}x", f"{costs[what + ' wake-ups per s']:.0f}"])
         goal(f"idle, {name}, processor time beside two timers", ratio, 1.5, "x")
