@@ -1069,6 +1069,22 @@ TEST_F(Admission, OfAnythingButAMessageIsRefusedAndTheSocketLeftOpen)
   EXPECT_EQ(impl->clients.size(), 1);
 }
 
+TEST_F(Admission, LetsTheServersOwnParticipantBeRoutedInTheTickThatFollowsItsOwn)
+{
+  QLocalSocket ben;
+  Introduce(&ben, Wire::Introduction("demo", "ben"));
+  ASSERT_TRUE(SpinUntil([&] { return impl->isSettled; }));
+  impl->socketTimer.stop();
+  impl->clientsTimer.stop();
+  const QPointer<QLocalSocket> end = impl->clients.value("ben");
+  ASSERT_TRUE(SpinUntil([&] { return end->bytesToWrite() == 0; }));
+  impl->Say("ben", "hi");
+  impl->CheckSocket();
+  EXPECT_EQ(end->bytesToWrite(), 0);
+  impl->CheckClients();
+  EXPECT_GT(end->bytesToWrite(), 0);
+}
+
 TEST_F(Admission, OfATakenNameIsRefusedAndTheSocketClosed)
 {
   QLocalSocket end;

@@ -763,6 +763,7 @@ public:
   void RemoveClient(const QByteArray& name);
   void SendStatus();
   void CheckClients();
+  void HearOwn();
   void RouteAll();
   bool TakeAndRoute(const QByteArray& name, QLocalSocket* client, bool isPaced = false);
   void RoutePacket(const QByteArray& name, const Packet& packet);
@@ -826,6 +827,7 @@ public:
   QHash<const QLocalSocket*, Details::Intake> intakes; // of `clients`
   QVector<Entrant> entrants;
   bool haveClientsSpoken = false; // whether there may be something to route
+  bool hasOwnSpoken = false; // whether this participant wrote to its own server since the server's last tick
   QVector<std::weak_ptr<Listener>> listeners;
   QVector<std::weak_ptr<Listener>> stagedListeners;
   QTimer clientsTimer;
@@ -937,8 +939,14 @@ void Context::Impl::FlushPending()
     else if (!Write(message.packet))
       unsent.append(message.id);
   }
+  const bool hasSpoken = pending.size() > held.size() + unsent.size();
   pending = held;
   CountPending();
+  if (server && hasSpoken)
+  {
+    socket->flush();
+    hasOwnSpoken = true;
+  }
 
   const Error notSent = ConvertErrorCode(errorNotSent);
   for (const long long id : qAsConst(unsent))
@@ -1583,9 +1591,20 @@ void Context::Impl::CheckClients()
     return;
   }
   CheckEntrants();
+  HearOwn();
   if (haveClientsSpoken)
     RouteAll();
   ExpelTheIdle();
+}
+
+// The event loop has not run since the participant's tick, which comes right before this one.
+void Context::Impl::HearOwn()
+{
+  if (!std::exchange(hasOwnSpoken, false))
+    return;
+  const QPointer<QLocalSocket> own = clients.value(clientName);
+  if (IsConnected(own))
+    own->waitForReadyRead(0);
 }
 
 void Context::Impl::RouteAll()
