@@ -1267,7 +1267,6 @@ TEST_F(Routing, AServersTickThatIsDueEarlierThanItsParticipantsIsPutOffOnceInAWh
   const int minute = 60000;
   const int tick = 20;
   impl->socketTimer.start(2 * minute);
-  impl->ticksAsServer = 0;
   impl->clientsTimer.start(minute);
   impl->AlignTicks();
   EXPECT_EQ(impl->clientsTimer.interval(), tick);
@@ -1281,19 +1280,37 @@ TEST_F(Routing, AServersTickThatIsDueEarlierThanItsParticipantsIsPutOffOnceInAWh
   EXPECT_EQ(impl->clientsTimer.interval(), tick);
 }
 
+TEST_F(Routing, AServersTickThatIsDueEarlierWaitsForATickInTimeToBePutOff)
+{
+  const int minute = 60000;
+  const int late = 18; // ms that a tick of 20 ms has left when it comes 2 ms late
+  do
+  {
+    impl->ticksToAlignment = 0;
+    impl->socketTimer.start(late);
+    impl->clientsTimer.start(late / 2);
+    impl->AlignTicks();
+    ASSERT_EQ(impl->clientsTimer.interval(), late / 2);
+  } while (impl->clientsTimer.remainingTime() == 0); // due before it was looked at
+  impl->socketTimer.start(2 * minute);
+  impl->clientsTimer.start(minute);
+  impl->AlignTicks();
+  EXPECT_EQ(impl->clientsTimer.interval(), 20);
+}
+
 TEST_F(Routing, AServersTickThatIsDueWithItsParticipantsStaysWhereItIs)
 {
   const int minute = 60000;
   impl->socketTimer.start(minute);
   for (const int due : {0, 2 * minute})
   {
-    impl->ticksAsServer = 0;
+    impl->ticksToAlignment = 0;
     impl->clientsTimer.start(due);
     impl->AlignTicks();
     EXPECT_EQ(impl->clientsTimer.interval(), due);
   }
   impl->clientsTimer.stop();
-  impl->ticksAsServer = 0;
+  impl->ticksToAlignment = 0;
   impl->AlignTicks();
   EXPECT_FALSE(impl->clientsTimer.isActive());
 }

@@ -831,7 +831,7 @@ public:
   QVector<std::weak_ptr<Listener>> listeners;
   QVector<std::weak_ptr<Listener>> stagedListeners;
   QTimer clientsTimer;
-  unsigned ticksAsServer = 0;
+  int ticksToAlignment = 0;
   QMetaObject::Connection quitConnection;
 };
 
@@ -1152,7 +1152,7 @@ void Context::Impl::BecomeServer()
       server.get(), &QLocalServer::newConnection, server.get(),
       [this] { AddClient(server->nextPendingConnection()); }, Qt::DirectConnection);
   clientsTimer.start(tickPeriod);
-  ticksAsServer = 0;
+  ticksToAlignment = 0;
 }
 
 void Context::Impl::RemoveSocketFile()
@@ -1754,12 +1754,18 @@ void Context::Impl::Tick()
 // Seldom, because this puts the server's tick off.
 void Context::Impl::AlignTicks()
 {
-  const unsigned ticksBetween = 256;
-  if (!clientsTimer.isActive() || ticksAsServer++ % ticksBetween != 0)
+  const int ticksBetween = 256;
+  if (!clientsTimer.isActive() || --ticksToAlignment > 0)
     return;
+  const int ownWait = socketTimer.remainingTime();
   const int wait = clientsTimer.remainingTime();
-  if (wait > 0 && wait < socketTimer.remainingTime())
+  if (wait > 0 && wait < ownWait)
+  {
+    if (ownWait < tickPeriod - 1) // this tick is late, and what starts now would stay behind
+      return;
     clientsTimer.start(tickPeriod);
+  }
+  ticksToAlignment = ticksBetween;
 }
 
 void Context::Impl::ReadIncoming(long long limit)
