@@ -1262,57 +1262,38 @@ TEST_F(Routing, LooksAtNobodyUntilSomebodyHasSpoken)
   EXPECT_FALSE(impl->haveClientsSpoken);
 }
 
-TEST_F(Routing, AServersTickThatIsDueEarlierThanItsParticipantsIsPutOffOnceInAWhile)
+TEST_F(Routing, BothTimersOfAServerAreStartedTogetherOnceInAWhile)
 {
   const int minute = 60000;
   const int tick = 20;
-  impl->socketTimer.start(2 * minute);
-  impl->clientsTimer.start(minute);
-  impl->AlignTicks();
-  EXPECT_EQ(impl->clientsTimer.interval(), tick);
-  for (int i = 1; i < 256; ++i)
+  const auto align = [&](int expected)
   {
+    impl->socketTimer.start(minute);
     impl->clientsTimer.start(minute);
     impl->AlignTicks();
-    EXPECT_EQ(impl->clientsTimer.interval(), minute);
-  }
-  impl->AlignTicks();
-  EXPECT_EQ(impl->clientsTimer.interval(), tick);
+    EXPECT_EQ(impl->socketTimer.interval(), expected);
+    EXPECT_EQ(impl->clientsTimer.interval(), expected);
+  };
+  align(tick);
+  for (int i = 1; i < 256; ++i)
+    align(minute);
+  align(tick);
 }
 
-TEST_F(Routing, AServersTickThatIsDueEarlierWaitsForATickInTimeToBePutOff)
+TEST_F(Routing, NoTimerIsStartedWithinAParticipantsTickNorBeforeItTicks)
 {
   const int minute = 60000;
-  const int late = 18; // ms that a tick of 20 ms has left when it comes 2 ms late
-  do
-  {
-    impl->ticksToAlignment = 0;
-    impl->socketTimer.start(late);
-    impl->clientsTimer.start(late / 2);
-    impl->AlignTicks();
-    ASSERT_EQ(impl->clientsTimer.interval(), late / 2);
-  } while (impl->clientsTimer.remainingTime() == 0); // due before it was looked at
-  impl->socketTimer.start(2 * minute);
   impl->clientsTimer.start(minute);
   impl->AlignTicks();
-  EXPECT_EQ(impl->clientsTimer.interval(), 20);
-}
-
-TEST_F(Routing, AServersTickThatIsDueWithItsParticipantsStaysWhereItIs)
-{
-  const int minute = 60000;
+  EXPECT_FALSE(impl->socketTimer.isActive());
   impl->socketTimer.start(minute);
-  for (const int due : {0, 2 * minute})
-  {
-    impl->ticksToAlignment = 0;
-    impl->clientsTimer.start(due);
-    impl->AlignTicks();
-    EXPECT_EQ(impl->clientsTimer.interval(), due);
-  }
-  impl->clientsTimer.stop();
-  impl->ticksToAlignment = 0;
+  impl->tickDepth = 1;
   impl->AlignTicks();
-  EXPECT_FALSE(impl->clientsTimer.isActive());
+  EXPECT_EQ(impl->socketTimer.interval(), minute);
+  EXPECT_EQ(impl->clientsTimer.interval(), minute);
+  impl->tickDepth = 0;
+  impl->AlignTicks();
+  EXPECT_EQ(impl->socketTimer.interval(), 20);
 }
 
 TEST_F(Routing, LogsAnUnexpectedCommandWithTheClientsName)

@@ -763,6 +763,7 @@ public:
   void RemoveClient(const QByteArray& name);
   void SendStatus();
   void CheckClients();
+  void AlignTicks();
   void HearOwn();
   void RouteAll();
   bool TakeAndRoute(const QByteArray& name, QLocalSocket* client, bool isPaced = false);
@@ -775,7 +776,6 @@ public:
   // Hearing
   void CheckSocket();
   void Tick();
-  void AlignTicks();
   void ReadIncoming(long long limit);
   void DispatchPacket(const Packet& packet);
   void DispatchMessage(const Packet& packet);
@@ -1590,11 +1590,25 @@ void Context::Impl::CheckClients()
     ScheduleReconnect();
     return;
   }
+  AlignTicks();
   CheckEntrants();
   HearOwn();
   if (haveClientsSpoken)
     RouteAll();
   ExpelTheIdle();
+}
+
+// Two timers that are due at the same moment wake the process, and make it look at all its sockets, once.
+// Seldom, because this puts the participant's tick off. A timer that is started within its own call could
+// fire there.
+void Context::Impl::AlignTicks()
+{
+  const int ticksBetween = 256;
+  if (--ticksToAlignment > 0 || tickDepth > 0 || !socketTimer.isActive())
+    return;
+  socketTimer.start(tickPeriod);
+  clientsTimer.start(tickPeriod);
+  ticksToAlignment = ticksBetween;
 }
 
 // The event loop has not run since the participant's tick, which comes right before this one.
@@ -1714,7 +1728,6 @@ void Context::Impl::CheckSocket()
 
 void Context::Impl::Tick()
 {
-  AlignTicks();
   isSettled = TimeSinceConnection() >= settleTime;
 
   // What came before the connection broke would go with the socket.
@@ -1748,24 +1761,6 @@ void Context::Impl::Tick()
   ReadIncoming(readingTime);
   if ((isSettled || isReplyOverdue) && !closing)
     FlushPending();
-}
-
-// Two timers that are due at the same moment wake the process, and make it look at all its sockets, once.
-// Seldom, because this puts the server's tick off.
-void Context::Impl::AlignTicks()
-{
-  const int ticksBetween = 256;
-  if (!clientsTimer.isActive() || --ticksToAlignment > 0)
-    return;
-  const int ownWait = socketTimer.remainingTime();
-  const int wait = clientsTimer.remainingTime();
-  if (wait > 0 && wait < ownWait)
-  {
-    if (ownWait < tickPeriod - 1) // this tick is late, and what starts now would stay behind
-      return;
-    clientsTimer.start(tickPeriod);
-  }
-  ticksToAlignment = ticksBetween;
 }
 
 void Context::Impl::ReadIncoming(long long limit)
