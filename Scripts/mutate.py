@@ -180,6 +180,7 @@ class Tree:
     def test(self, programs):
         """The first test that fails, or none. Whoever else is at work by then is not waited for."""
         with tempfile.TemporaryDirectory(prefix="m", ignore_cleanup_errors=True) as folder:
+            os.chmod(folder, 0o711)  # some become another user
             done = subprocess.Popen(["ctest", "--test-dir", str(self.build), "-R", rf"^({'|'.join(programs)})\.",
                                      "-j", str(TESTS_AT_ONCE), "--timeout", str(LONGEST_TEST), "--output-on-failure",
                                      "--no-tests=error"],
