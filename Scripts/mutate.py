@@ -185,8 +185,8 @@ class Tree:
                                      "-j", str(TESTS_AT_ONCE), "--timeout", str(LONGEST_TEST), "--output-on-failure",
                                      "--no-tests=error"],
                                     stdout=subprocess.PIPE, stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL,
-                                    env={**os.environ, "TMPDIR": folder, "TAVRIK_TEST_ROOT": folder}, start_new_session=True, text=True,
-                                    errors="replace")
+                                    env={**os.environ, "TMPDIR": folder, "TAVRIK_TEST_ROOT": folder},
+                                    start_new_session=True, text=True, errors="replace")
             end = threading.Timer(LONGEST_RUN, os.killpg, (done.pid, signal.SIGKILL))
             end.start()
             said, failed = "", None
