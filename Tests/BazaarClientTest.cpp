@@ -509,6 +509,28 @@ TEST_F(Client, StaysAwakeWhenTheServerStopsReading)
   EXPECT_EQ(link->Of("MESSAGE").back().Second().size(), 4194304);
 }
 
+TEST_F(Client, HearsWhatTheServerHadSaidWhenItHungUp)
+{
+  for (const bool hasMoreToSay : {false, true})
+  {
+    SCOPED_TRACE(hasMoreToSay);
+    StartAdmittedAndSettled();
+    if (hasMoreToSay)
+    {
+      link->StopReading();
+      peer->Tell(QStringLiteral("fill agent 4194304"));
+      ASSERT_TRUE(SpinUntil([&] { return link->socket->bytesAvailable() > 0; }));
+    }
+    peer->Stop();
+    for (int i = 1; i <= 50; ++i)
+      link->Write(Wire::Message("demo", 0, "a", QByteArray::number(i)));
+    link->Close();
+    peer->Continue();
+    EXPECT_TRUE(peer->Told(QStringLiteral("message a ") + QByteArray("50").toBase64(), 3000));
+    EXPECT_EQ(peer->Of(QStringLiteral("message a ")).size(), 50);
+  }
+}
+
 TEST_F(Client, StaysAwakeAndSaysWhatItHasToSayInAFlood)
 {
   StartAdmittedAndSettled();

@@ -671,6 +671,20 @@ TEST_F(Unwritten, OfListsDisconnectsAtTwiceTheLimitAndHoldsNobodyUp)
   EXPECT_TRUE(member->Sees("member,server,stopped"));
 }
 
+TEST_F(Unwritten, IsLimitedAndYetNothingIsLostOfOneWhoLeavesWhileAnotherIsAdmitted)
+{
+  Limit(&Limits::unwrittenBytes, 256 << 10);
+  Serve();
+  auto guest = Joined("guest");
+  RawClient other(meeting.context);
+  for (int id = 1; id <= 50; ++id)
+    guest->Say(id, "server", "goodbye");
+  guest.reset();
+  other.Write(Wire::Introduction("demo", "other"));
+  EXPECT_TRUE(other.Sees("other,server"));
+  EXPECT_TRUE(SpinUntil([&] { return recorder->Count("message guest goodbye") == 50; }, 3000));
+}
+
 // ---- Clients --------------------------------------------------------------------------------------------
 
 using Clients = Limited;

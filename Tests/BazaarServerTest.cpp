@@ -405,6 +405,62 @@ TEST_F(Server, RoutesWhatAClientHadSaidBehindAWordToItself)
   EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
 }
 
+TEST_F(Server, RoutesWhatAClientHadSaidWhenAnotherIsAdmittedBeforeItsDepartureIsSeen)
+{
+  auto guest = Joined("guest");
+  peer.Stop();
+  for (int i = 1; i <= 50; ++i)
+    guest->Write(ToHear(QByteArray::number(i), i));
+  guest.reset();
+  RawClient other(meeting.context);
+  other.Write(Wire::Introduction("demo", "other"));
+  peer.Continue();
+  EXPECT_TRUE(hear->Sees("hear,other,server"));
+  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+}
+
+TEST_F(Server, RoutesWhatAClientHadSaidThatLeftBeforeItWasAdmitted)
+{
+  peer.Stop();
+  {
+    RawClient guest(meeting.context);
+    guest.Write(Wire::Introduction("demo", "guest"));
+    for (int i = 1; i <= 50; ++i)
+      guest.Write(ToHear(QByteArray::number(i), i));
+  }
+  peer.Continue();
+  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+  EXPECT_TRUE(hear->Sees("hear,server"));
+}
+
+TEST_F(Server, RoutesWhatAClientHadSaidWhenItLeftWithMoreToRead)
+{
+  auto guest = Joined("guest");
+  guest->StopReading();
+  hear->Say(1, "guest", QByteArray(4 * 1024 * 1024, 'x'));
+  ASSERT_EQ(hear->Result(1), "OK");
+  peer.Stop();
+  for (int i = 1; i <= 50; ++i)
+    guest->Write(ToHear(QByteArray::number(i), i));
+  guest.reset();
+  peer.Continue();
+  EXPECT_TRUE(hear->Sees("hear,server"));
+  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+}
+
+TEST_F(Server, ListsNobodyWhoLeftTogetherWithAnother)
+{
+  std::vector<std::unique_ptr<RawClient>> guests;
+  for (const char* name : {"a", "b", "c", "x", "y", "z"})
+    guests.push_back(Joined(name));
+  peer.Stop();
+  guests.clear();
+  peer.Continue();
+  EXPECT_TRUE(hear->Sees("hear,server"));
+  WaitForTick();
+  EXPECT_EQ(hear->Members(), "hear,server");
+}
+
 TEST_F(Server, NeverListsAClientThatHadGoneWhenItWasAdmitted)
 {
   {

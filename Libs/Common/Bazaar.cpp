@@ -671,6 +671,19 @@ bool IsConnected(const QLocalSocket* socket)
   return socket && socket->state() == QLocalSocket::ConnectedState;
 }
 
+// A write that fails makes Qt forget what has come by then, unless it has been looked at.
+void KeepIncoming(QLocalSocket* socket)
+{
+  QObject::connect(
+      socket, &QLocalSocket::errorOccurred, socket,
+      [socket](QLocalSocket::LocalSocketError error)
+      {
+        if (error == QLocalSocket::PeerClosedError)
+          socket->peek(socket->bytesAvailable());
+      },
+      Qt::DirectConnection);
+}
+
 // Lets the event loop run once, sleeping until it has something to do. Somebody's timer must be running.
 void RunEventLoop()
 {
@@ -762,6 +775,7 @@ public:
   void RemoveDisconnectedClients();
   void RemoveClient(const QByteArray& name);
   void SendStatus();
+  void TellMembers();
   void CheckClients();
   void AlignTicks();
   void HearOwn();
@@ -826,6 +840,7 @@ public:
   QMap<QByteArray, QPointer<QLocalSocket>> clients;
   QHash<const QLocalSocket*, Details::Intake> intakes; // of `clients`
   QVector<Entrant> entrants;
+  int statusesToSend = 0;
   bool haveClientsSpoken = false; // whether there may be something to route
   bool hasOwnSpoken = false; // whether this participant wrote to its own server since the server's last tick
   QVector<std::weak_ptr<Listener>> listeners;
@@ -1257,6 +1272,7 @@ bool Context::Impl::IsServerGone() const
 
 void Context::Impl::Attach()
 {
+  KeepIncoming(socket.get());
   QObject::connect(
       socket.get(), &QLocalSocket::disconnected, socket.get(), [this] { ScheduleReconnect(); },
       Qt::DirectConnection);
@@ -1511,6 +1527,7 @@ void Context::Impl::Enter(const QByteArray& name, QLocalSocket* client)
 {
   clients.insert(name, client);
   haveClientsSpoken = true;
+  KeepIncoming(client);
   QObject::connect(
       client, &QLocalSocket::readyRead, client, [this] { haveClientsSpoken = true; }, Qt::DirectConnection);
 }
@@ -1562,7 +1579,17 @@ void Context::Impl::RemoveClient(const QByteArray& name)
     client->deleteLater();
 }
 
+// Somebody may be found gone while the others are told. The list without him comes after this one, not in its
+// middle: who is told last would hear the older list last.
 void Context::Impl::SendStatus()
+{
+  if (statusesToSend++ > 0)
+    return;
+  for (; statusesToSend > 0; --statusesToSend)
+    TellMembers();
+}
+
+void Context::Impl::TellMembers()
 {
   const QList<QByteArray> names = clients.keys();
   const QByteArray packet = CreatePacket(contextName, commandStatus, CreateBodyStatus(names));
@@ -1574,8 +1601,9 @@ void Context::Impl::SendStatus()
     // Who has not read what came before will not read this any sooner for being waited for.
     const bool isBehind = client->bytesToWrite() > 0;
     client->write(packet);
+    // Unlike flush(), this reads first: writing to one who has left would lose what he had said.
     if (limits.unwrittenBytes > 0)
-      client->flush();
+      client->waitForBytesWritten(0);
     else if (!isBehind)
       client->waitForBytesWritten(transferTimeout);
   }
