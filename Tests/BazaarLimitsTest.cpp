@@ -17,6 +17,7 @@
 #include <limits>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace Tavrik::Bazaar;
@@ -365,6 +366,24 @@ TEST_F(PacketSize, AtTheLimitPassesAndOneByteMoreDoesNot)
     EXPECT_THAT(log.Warnings(), ElementsAre("Disconnected a client whose packet is too large: tell"));
     ExpectService();
     server.reset();
+  }
+}
+
+TEST_F(PacketSize, IsLimitedAndYetAllIsHeardOfOneWhoSaysMuchAndLeaves)
+{
+  Limit(&Limits::packetSize, 64 << 10);
+  Serve();
+  for (const auto& [count, size] : std::vector<std::pair<std::size_t, int>>{{20, 60000}, {200, 1000}})
+  {
+    SCOPED_TRACE(size);
+    Peer guest(meeting.context, QStringLiteral("guest"));
+    ASSERT_TRUE(guest.IsReady());
+    recorder->events.clear();
+    for (std::size_t i = 0; i < count; ++i)
+      guest.Tell(QStringLiteral("fill server %1").arg(size));
+    ASSERT_TRUE(guest.Quit());
+    EXPECT_TRUE(SpinUntil([&] { return recorder->Has("left guest"); }));
+    EXPECT_EQ(recorder->Of("message guest ").size(), count);
   }
 }
 

@@ -44,6 +44,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <limits>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -357,6 +358,34 @@ public:
   // Reads a packet, good or bad, if that needs no waiting.
   bool Take(QIODevice* device, Packet* packet)
   {
+    const bool isTaken = TakeWhole(device, packet);
+    ResumeReading(qobject_cast<QLocalSocket*>(device));
+    return isTaken;
+  }
+
+  bool IsPaused() const { return SteadyClock::now() < end; }
+
+  // For as long as so many bytes take at `rate` a second.
+  void PauseAfter(long long bytes, long long rate)
+  {
+    const double pause = static_cast<double>(bytes) / static_cast<double>(rate);
+    end = SteadyClock::now() + boost::chrono::microseconds(static_cast<long long>(pause * 1e6));
+  }
+
+private:
+  // Qt stops reading when its buffer is full. What is taken then does not make it go on, unless that is all
+  // of it.
+  static void ResumeReading(QLocalSocket* socket)
+  {
+    const qint64 size = socket ? socket->readBufferSize() : 0;
+    if (size <= 0)
+      return;
+    socket->setReadBufferSize(size + 1);
+    socket->setReadBufferSize(size);
+  }
+
+  bool TakeWhole(QIODevice* device, Packet* packet)
+  {
     if (device->bytesAvailable() < smallestPacket)
       return false;
     if (needed == 0 && !SkipToSignature(device, packet))
@@ -374,16 +403,6 @@ public:
     return true;
   }
 
-  bool IsPaused() const { return SteadyClock::now() < end; }
-
-  // For as long as so many bytes take at `rate` a second.
-  void PauseAfter(long long bytes, long long rate)
-  {
-    const double pause = static_cast<double>(bytes) / static_cast<double>(rate);
-    end = SteadyClock::now() + boost::chrono::microseconds(static_cast<long long>(pause * 1e6));
-  }
-
-private:
   // Where a signature, or what has come of it, begins.
   static int FindBeginning(const QByteArray& data)
   {
@@ -725,6 +744,7 @@ public:
   // Limits
   long long LargestPacket() const;
   void LimitReading(QLocalSocket* of) const;
+  bool CanHear(const QLocalSocket* peer) const;
   void Warn(long long Limits::*breached, const QByteArray& text);
 
   // Saying
@@ -784,6 +804,7 @@ public:
   void RoutePacket(const QByteArray& name, const Packet& packet);
   void SendMessage(const QByteArray& sender, const QByteArray& recipient, const QByteArray& data,
                    long long id);
+  bool Send(QLocalSocket* client, const QByteArray& packet);
   void SendResultToClient(const QByteArray& name, long long id, const QByteArray& code);
   void SendResult(QLocalSocket* client, long long id, const QByteArray& code);
 
@@ -883,6 +904,15 @@ void Context::Impl::LimitReading(QLocalSocket* of) const
     of->setReadBufferSize(std::max<long long>(limits.packetSize, smallestReadAhead));
 }
 
+// A write that fails loses what the system still holds, and where reading is limited, that may be much.
+bool Context::Impl::CanHear(const QLocalSocket* peer) const
+{
+  if (!IsConnected(peer))
+    return false;
+  pollfd end = {static_cast<int>(peer->socketDescriptor()), 0, 0};
+  return limits.packetSize <= 0 || poll(&end, 1, 0) <= 0 || (end.revents & POLLHUP) == 0;
+}
+
 void Context::Impl::Warn(long long Limits::*breached, const QByteArray& text)
 {
   auto silence = std::find_if(silences.begin(), silences.end(),
@@ -972,7 +1002,7 @@ void Context::Impl::FlushPending()
 // An empty packet is that of a message too long to be built.
 bool Context::Impl::Write(const QByteArray& packet)
 {
-  return !packet.isEmpty() && IsConnected(socket.get()) && socket->write(packet) == packet.size();
+  return !packet.isEmpty() && CanHear(socket.get()) && socket->write(packet) == packet.size();
 }
 
 void Context::Impl::CancelMessagaesWithoutRecipient()
@@ -1596,13 +1626,13 @@ void Context::Impl::TellMembers()
   for (const QByteArray& name : names)
   {
     const QPointer<QLocalSocket> client = clients.value(name);
-    if (!IsConnected(client))
+    if (!CanHear(client))
       continue;
     // Who has not read what came before will not read this any sooner for being waited for.
     const bool isBehind = client->bytesToWrite() > 0;
     client->write(packet);
     // Unlike flush(), this reads first: writing to one who has left would lose what he had said.
-    if (limits.unwrittenBytes > 0)
+    if (limits.unwrittenBytes > 0 || limits.packetSize > 0)
       client->waitForBytesWritten(0);
     else if (!isBehind)
       client->waitForBytesWritten(transferTimeout);
@@ -1728,20 +1758,29 @@ void Context::Impl::SendMessage(const QByteArray& sender, const QByteArray& reci
   if (packet.isEmpty() && limits.packetSize > 0)
     Warn(&Limits::packetSize, "A message is larger than a packet may be and is not forwarded");
   const bool isWritten =
-      !packet.isEmpty() && !IsBehind(target, packet) && target->write(packet) == packet.size();
+      !packet.isEmpty() && !IsBehind(target, packet) && CanHear(target) && Send(target, packet);
   SendResultToClient(sender, id, isWritten ? noError : errorNotWritten);
+}
+
+// Whether it is accepted. Where reading is limited it goes at once, before its recipient may leave.
+bool Context::Impl::Send(QLocalSocket* client, const QByteArray& packet)
+{
+  const bool isAccepted = client->write(packet) == packet.size();
+  if (limits.packetSize > 0)
+    client->flush();
+  return isAccepted;
 }
 
 void Context::Impl::SendResultToClient(const QByteArray& name, long long id, const QByteArray& code)
 {
   const QPointer<QLocalSocket> client = clients.value(name);
-  if (IsConnected(client))
+  if (CanHear(client))
     SendResult(client, id, code);
 }
 
 void Context::Impl::SendResult(QLocalSocket* client, long long id, const QByteArray& code)
 {
-  client->write(CreatePacket(contextName, commandResult, CreateBodyMessage(id, code, QByteArray())));
+  Send(client, CreatePacket(contextName, commandResult, CreateBodyMessage(id, code, QByteArray())));
 }
 
 // ---- Hearing --------------------------------------------------------------------------------------------

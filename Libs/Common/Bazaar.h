@@ -59,8 +59,10 @@ struct Limits
    * Bytes of the largest packet, from its signature to the end of its body. The connection over which a
    * larger one begins to come is closed as soon as its length is known, and Qt reads no more than about this
    * much ahead of the bus (at least 4 KiB), twice. A message too large to say is "NOT SENT", one too large to
-   * forward "NOT WRITTEN", and a name that would make the list of members too large is refused. All
-   * participants of one bus should have the same.
+   * forward "NOT WRITTEN", and a name that would make the list of members too large is refused. Nothing is
+   * written to whoever has hung up, since that would lose what he has said and is not read yet: messages to
+   * him are "NOT SENT" or "NOT WRITTEN" even before his departure is known. All participants of one bus
+   * should have the same.
    */
   long long packetSize = 0;
 
@@ -76,9 +78,9 @@ struct Limits
   /**
    * Bytes that wait in a server for one client to read, besides what the system holds for it. A message that
    * would go beyond is "NOT WRITTEN"; lists of members and results are written all the same, and who has
-   * twice as much waiting is disconnected. While it is set, the server does not wait for a list to be
-   * written, which otherwise stops it for up to 30 s for a client that does not read. At least #packetSize,
-   * or the largest messages never pass.
+   * twice as much waiting is disconnected. While this or #packetSize is set, the server does not wait for a
+   * list to be written, which otherwise stops it for up to 30 s for a client that does not read. At least
+   * #packetSize, or the largest messages never pass.
    */
   long long unwrittenBytes = 0;
 
