@@ -101,7 +101,7 @@ def changes_of(line, code, previous):
     if match and is_balanced(code):
         yield match.group(1) + ";"
     match = RETURN.match(code)
-    if match and match.group(2).strip() not in ("{}", "false", "0"):
+    if match and match.group(2).strip() not in ("{}", "false", "0", "QString()"):
         yield match.group(1) + "return {};"
     if line == "{" and "(" in previous and "=" not in previous:
         yield "{ return;" if previous.startswith("void ") else "{ return {};"

@@ -597,6 +597,15 @@ TEST_F(Server, LeavesFewerThan48BytesAlone)
   EXPECT_TRUE(Logs("Can't read a packet\n"));
 }
 
+TEST_F(Server, TakesAPacketOf48Bytes)
+{
+  const auto guest = Joined("guest");
+  const QByteArray smallest = Wire::Packet("", "X", "1234");
+  ASSERT_EQ(smallest.size(), 48);
+  guest->Write(smallest);
+  EXPECT_TRUE(Logs("Unexpected command \"X\" from the client guest\n"));
+}
+
 TEST_F(Server, GoesOnBehindAPacketWithAnyByteOfItsChecksumsWrong)
 {
   const auto guest = Joined("guest");
