@@ -509,6 +509,25 @@ TEST_F(Client, StaysAwakeWhenTheServerStopsReading)
   EXPECT_EQ(link->Of("MESSAGE").back().Second().size(), 4194304);
 }
 
+TEST_F(Client, LeavesOnlyWhenItsServerHasTakenAllHoweverSlowlyThatReads)
+{
+  StartAdmittedAndSettled();
+  link->StopReading();
+  peer->Tell(QStringLiteral("fill peer 4194304"));
+  peer->Tell(QStringLiteral("quit"));
+  // For longer than it waits for a server that reads nothing, once when it is told to quit and once when it
+  // goes.
+  for (int i = 1; i <= 14; ++i)
+  {
+    link->socket->setReadBufferSize(i * 200000);
+    SpinFor(500);
+  }
+  link->ResumeReading();
+  ASSERT_TRUE(link->Got("MESSAGE", 3));
+  EXPECT_EQ(link->Of("MESSAGE").back().Second().size(), 4194304);
+  EXPECT_TRUE(peer->Told(QStringLiteral("gone")));
+}
+
 TEST_F(Client, HearsWhatTheServerHadSaidWhenItHungUp)
 {
   for (const bool hasMoreToSay : {false, true})
