@@ -702,7 +702,7 @@ TEST_F(Unwritten, IsLimitedAndYetNothingIsLostOfOneWhoLeavesWhileAnotherIsAdmitt
   guest.reset();
   other.Write(Wire::Introduction("demo", "other"));
   EXPECT_TRUE(other.Sees("other,server"));
-  EXPECT_TRUE(SpinUntil([&] { return recorder->Count("message guest goodbye") == 50; }, 3000));
+  EXPECT_TRUE(SpinUntil([&] { return recorder->Count("message guest goodbye") == 50; }));
 }
 
 // ---- Clients --------------------------------------------------------------------------------------------

@@ -402,7 +402,7 @@ TEST_F(Server, RoutesWhatAClientHadSaidBehindAWordToItself)
   guest->Write(words);
   guest.reset();
   EXPECT_TRUE(hear->Sees("hear,server"));
-  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+  EXPECT_TRUE(hear->Got("MESSAGE", 50)) << hear->Of("MESSAGE").size();
 }
 
 TEST_F(Server, RoutesWhatAClientHadSaidWhenAnotherIsAdmittedBeforeItsDepartureIsSeen)
@@ -416,7 +416,7 @@ TEST_F(Server, RoutesWhatAClientHadSaidWhenAnotherIsAdmittedBeforeItsDepartureIs
   other.Write(Wire::Introduction("demo", "other"));
   peer.Continue();
   EXPECT_TRUE(hear->Sees("hear,other,server"));
-  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+  EXPECT_TRUE(hear->Got("MESSAGE", 50)) << hear->Of("MESSAGE").size();
 }
 
 TEST_F(Server, RoutesWhatAClientHadSaidThatLeftBeforeItWasAdmitted)
@@ -429,7 +429,7 @@ TEST_F(Server, RoutesWhatAClientHadSaidThatLeftBeforeItWasAdmitted)
       guest.Write(ToHear(QByteArray::number(i), i));
   }
   peer.Continue();
-  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+  EXPECT_TRUE(hear->Got("MESSAGE", 50)) << hear->Of("MESSAGE").size();
   EXPECT_TRUE(hear->Sees("hear,server"));
 }
 
@@ -445,7 +445,7 @@ TEST_F(Server, RoutesWhatAClientHadSaidWhenItLeftWithMoreToRead)
   guest.reset();
   peer.Continue();
   EXPECT_TRUE(hear->Sees("hear,server"));
-  EXPECT_TRUE(hear->Got("MESSAGE", 50, 3000)) << hear->Of("MESSAGE").size();
+  EXPECT_TRUE(hear->Got("MESSAGE", 50)) << hear->Of("MESSAGE").size();
 }
 
 TEST_F(Server, ListsNobodyWhoLeftTogetherWithAnother)
