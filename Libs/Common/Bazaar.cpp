@@ -380,7 +380,7 @@ private:
     const qint64 size = socket ? socket->readBufferSize() : 0;
     if (size <= 0)
       return;
-    socket->setReadBufferSize(size + 1);
+    socket->setReadBufferSize(0);
     socket->setReadBufferSize(size);
   }
 
