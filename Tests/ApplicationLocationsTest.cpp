@@ -74,6 +74,20 @@ TEST(Path, TravelsAsUtf8)
   EXPECT_EQ(Path(QStringLiteral("Purg\u00e9r")).ToUtf8(), QByteArray("Purg\xc3\xa9r"));
 }
 
+TEST(HelperFolders, OfAFolderNamedContentsOutsideABundleAreThoseOfAPlainProgram)
+{
+  for (const char* folder :
+       {"/Contents/bin", "/home/u/Contents/tools/bin", "/home/u/app/Contents/MacOS",
+        "/home/u/O.APP/Contents/MacOS", "/home/u/O.app/x/Contents/MacOS", "/O.app.d/Contents/MacOS"})
+  {
+    const QString own = QString::fromLatin1(folder);
+    EXPECT_EQ(GetHelperFolders(own),
+              QStringList({own, QDir::cleanPath(own + QStringLiteral("/" TAVRIK_LIBEXEC_FROM_BIN)),
+                           QStringLiteral(TAVRIK_LIBEXEC)}))
+        << folder;
+  }
+}
+
 TEST(HelperFolders, OfAPlainProgramAreItsOwnAndLibexec)
 {
   EXPECT_EQ(GetHelperFolders(QStringLiteral("/opt/tavrik/bin")),

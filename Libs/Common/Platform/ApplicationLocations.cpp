@@ -13,7 +13,7 @@ namespace
 void AddBundleFolders(QString folder, QStringList* folders)
 {
   for (QFileInfo info(folder); info.path() != folder; folder = info.path(), info.setFile(folder))
-    if (info.fileName() == QLatin1String("Contents"))
+    if (info.fileName() == QLatin1String("Contents") && info.path().endsWith(QLatin1String(".app")))
       for (const char* const place : {"MacOS", "Helpers", "Resources"})
         *folders << folder + QLatin1Char('/') + QLatin1String(place);
 }

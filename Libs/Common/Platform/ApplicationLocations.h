@@ -23,9 +23,9 @@ private:
 
 /**
  * The folders that may hold a helper, the first choice first: that of the running executable, then
- * Contents/MacOS, Contents/Helpers and Contents/Resources of each bundle around it, the innermost first, then
- * the libexec folder as it lies beside the executable's folder in an installed tree, and where it was
- * configured to be installed.
+ * Contents/MacOS, Contents/Helpers and Contents/Resources of each ".app" bundle around it, the innermost
+ * first, then the libexec folder as it lies beside the executable's folder in an installed tree, and where it
+ * was configured to be installed.
  *
  * @param executableFolder Absolute, or empty when it is not known.
  */
