@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -29,6 +28,15 @@ const char* const options[] = {"--setglobalstate", "--setblockall", "--setallows
                                "--blockapp",       "--unblockapp"};
 const std::size_t wantedCount = 8;
 const std::size_t switchCount = 4;
+
+struct Set
+{
+  Words arguments;
+  State state;
+  bool isNewer = false;
+  QStringList failing;
+  QStringList refusing; // in words, with success
+};
 
 /// @name What has to happen
 /// @{
@@ -55,10 +63,11 @@ Words Split(const std::string& list)
 class Oracle
 {
 public:
-  Oracle(const State& state, const QStringList& failing) : failing(failing) { expected.state = state; }
+  explicit Oracle(const Set& set) : set(set) { expected.state = set.state; }
 
-  Expected Run(const Words& arguments)
+  Expected Run()
   {
+    const Words& arguments = set.arguments;
     if (arguments.size() != wantedCount)
     {
       Fail("eight arguments are wanted, not " + std::to_string(arguments.size()), 64);
@@ -67,7 +76,11 @@ public:
     bool State::*const fields[] = {&State::isEnabled, &State::blockAll, &State::allowSigned,
                                    &State::stealthMode};
     for (std::size_t i = 0; i < switchCount; ++i)
+    {
       Switch(options[i], arguments[i], fields[i]);
+      if (set.isNewer && fields[i] == &State::allowSigned)
+        Switch("--setallowsignedapp", arguments[i], &State::allowSignedApp);
+    }
     for (std::size_t i = switchCount; i < wantedCount; ++i)
       for (const std::string& path : Split(arguments[i]))
         Edit(options[i], path);
@@ -81,20 +94,26 @@ private:
     expected.errors += "Firewall: " + reason + '\n';
   }
 
-  bool Tell(const std::string& option, const std::string& value)
+  // Whether the tool obeys; @p isAsWanted: the state needs no change.
+  bool Tell(const std::string& option, const std::string& value, bool isAsWanted)
   {
     expected.calls.push_back({option, value});
-    const bool isDone = !failing.contains(QString::fromStdString(option));
-    if (!isDone)
+    const QString name = QString::fromStdString(option);
+    if (set.failing.contains(name))
       Fail(option + ' ' + value + ": refused");
-    return isDone;
+    else if (!set.refusing.contains(name))
+      return true;
+    else if (!isAsWanted)
+      Fail(option + ' ' + value +
+           ": no effect: Firewall settings cannot be modified from command line on managed Mac computers");
+    return false;
   }
 
   void Switch(const std::string& option, const std::string& value, bool State::*field)
   {
     if (value != "on" && value != "off")
       Fail(option + ": neither on nor off: " + value);
-    else if (Tell(option, value))
+    else if (Tell(option, value, expected.state.*field == (value == "on")))
       expected.state.*field = value == "on";
   }
 
@@ -104,7 +123,7 @@ private:
       return;
     if (path[0] != '/')
       Fail(option + ": not an absolute path: " + path);
-    else if (Tell(option, path))
+    else
       Apply(option, path);
   }
 
@@ -115,6 +134,12 @@ private:
     const auto listed = std::find_if(applications.begin(), applications.end(),
                                      [&](const auto& application) { return application.first == name; });
     const bool isListed = listed != applications.end();
+    const bool isUnknowable = name.contains('\n'); // the tool's list has a line for a path
+    const bool isAsWanted = option == "--add"      ? isListed
+                            : option == "--remove" ? !isListed
+                                                   : isListed && listed->second == (option == "--blockapp");
+    if (!Tell(option, path, isUnknowable || isAsWanted))
+      return;
     if (option == "--add")
     {
       if (!isListed)
@@ -128,7 +153,7 @@ private:
       listed->second = option == "--blockapp";
   }
 
-  const QStringList failing;
+  const Set& set;
   Expected expected;
 };
 
@@ -166,13 +191,6 @@ const Words hostilePaths = {"/Applications/A.app",
                             ""};
 const Words wrongSwitches = {"", "ON", "on ", " off", "-n", "1", "*", "on\n", "on;off", "$(true)", "o\xff"};
 
-struct Set
-{
-  Words arguments;
-  State state;
-  QStringList failing;
-};
-
 class Dice
 {
 public:
@@ -188,9 +206,10 @@ public:
       AddApplication(set.state);
     set.state.isEnabled = OneIn(2);
     set.state.stealthMode = OneIn(2);
-    if (OneIn(3))
-      for (int failing = 1 + Below(2); failing > 0; --failing)
-        set.failing.append(QLatin1String(options[Below(static_cast<int>(wantedCount))]));
+    set.isNewer = OneIn(2);
+    set.state.allowSignedApp = set.isNewer && OneIn(2);
+    set.failing = RollOptions();
+    set.refusing = RollOptions();
     return set;
   }
 
@@ -198,6 +217,15 @@ private:
   int Below(int sides) { return static_cast<int>(random() % static_cast<unsigned>(sides)); }
   bool OneIn(int sides) { return Below(sides) == 0; }
   const std::string& OneOf(const Words& words) { return words[Below(static_cast<int>(words.size()))]; }
+
+  QStringList RollOptions()
+  {
+    QStringList rolled;
+    if (OneIn(3))
+      for (int count = 1 + Below(2); count > 0; --count)
+        rolled.append(QLatin1String(options[Below(static_cast<int>(wantedCount))]));
+    return rolled;
+  }
 
   std::string RollSwitch()
   {
@@ -257,36 +285,34 @@ protected:
     if (FindShell(GetParam()).isEmpty())
       GTEST_SKIP() << "There is no " << GetParam().words.front() << " on this machine";
     ASSERT_TRUE(QDir().mkpath(folder));
-    tool = std::make_unique<FakeFirewall>(folder + "/the tool");
-    ConfigureScript(QStringLiteral(TAVRIK_FIREWALL_SCRIPT), tool->Path(), script);
+    ConfigureScript(QStringLiteral(TAVRIK_FIREWALL_SCRIPT), toolPath, script);
   }
 
-  void TearDown() override
-  {
-    tool.reset();
-    QDir(folder).removeRecursively();
-  }
+  void TearDown() override { QDir(folder).removeRecursively(); }
 
   // Returns how often the tool was run.
   std::size_t Compare(const Set& set)
   {
-    tool->Set(set.state);
-    tool->Fail(set.failing);
-    tool->ForgetCalls();
-    const Expected expected = Oracle(set.state, set.failing).Run(set.arguments);
+    FakeFirewall tool(toolPath);
+    tool.Set(set.state);
+    tool.Fail(set.failing);
+    tool.Refuse(set.refusing);
+    if (set.isNewer)
+      tool.BecomeNewer();
+    const Expected expected = Oracle(set).Run();
     const ScriptOutcome outcome = RunScript(GetParam(), script, set.arguments, folder);
     EXPECT_EQ(expected.status, outcome.status);
     EXPECT_EQ(expected.errors, outcome.errors.toStdString());
     EXPECT_STREQ("", outcome.output.constData());
-    EXPECT_EQ(expected.calls, tool->Calls());
-    EXPECT_TRUE(expected.state == tool->Get());
+    EXPECT_EQ(expected.calls, tool.Calls());
+    EXPECT_TRUE(expected.state == tool.Get());
     EXPECT_FALSE(QFile::exists(folder + "/hacked"));
     return expected.calls.size();
   }
 
   const QString folder = QDir::tempPath() + QStringLiteral("/firewall-oracle");
   const QString script = folder + QStringLiteral("/Firewall");
-  std::unique_ptr<FakeFirewall> tool;
+  const QString toolPath = folder + QStringLiteral("/the tool");
 };
 
 INSTANTIATE_TEST_SUITE_P(Under, FirewallOracleTest, testing::ValuesIn(shells),

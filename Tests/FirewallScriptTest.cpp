@@ -13,9 +13,14 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include <cstdlib>
 #include <memory>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -23,7 +28,21 @@ using testing::IsEmpty;
 namespace
 {
 
-class FirewallScriptTest : public testing::TestWithParam<Shell>
+const uid_t someUser = 65534;
+
+// Root as the effective user id only.
+class ProcessApart : public QProcess
+{
+protected:
+  void setupChildProcess() override
+  {
+    if (setreuid(someUser, 0) != 0)
+      _exit(EXIT_FAILURE);
+  }
+};
+
+// The script as the privileged start of macOS runs it: as a file, by the interpreter of its first line.
+class FirewallScriptFile : public testing::Test
 {
 protected:
   void SetUp() override
@@ -31,6 +50,7 @@ protected:
     ASSERT_TRUE(QDir().mkpath(folder));
     tool = std::make_unique<FakeFirewall>(folder + "/the tool");
     ConfigureScript(QStringLiteral(TAVRIK_FIREWALL_SCRIPT), tool->Path(), script);
+    ASSERT_EQ(0, chmod(QFile::encodeName(script).constData(), 0700));
   }
 
   void TearDown() override
@@ -39,6 +59,41 @@ protected:
     QDir(folder).removeRecursively();
   }
 
+  ScriptOutcome Run(const QString& program, const QStringList& arguments, QProcess&& process = QProcess())
+  {
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(folder);
+    process.start(program, arguments);
+    process.closeWriteChannel();
+    EXPECT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(QProcess::NormalExit, process.exitStatus());
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+  }
+
+  // Why a process of this test cannot have root as its effective user id only; empty if it can. The real user
+  // must reach script and tool, as on macOS: some shells ask access() about them.
+  std::string WhyNotApart() const
+  {
+    for (const QString& path : {QDir::homePath(), QDir::tempPath(), folder, script})
+      chmod(QFile::encodeName(path).constData(), 0755);
+    if (geteuid() != 0 || setreuid(someUser, 0) != 0)
+      return "Only root of a machine can set its user ids apart";
+    const bool isToolReachable = access(QFile::encodeName(tool->Path()).constData(), X_OK) == 0;
+    EXPECT_EQ(0, setreuid(0, 0));
+    return isToolReachable ? "" : "The build tree is closed to other users";
+  }
+
+  const QString folder = QDir::tempPath() + QStringLiteral("/firewall-script");
+  const QString script = folder + QStringLiteral("/Firewall");
+  const QStringList everythingOn = {"on", "on", "on", "on", "/a", "", "/a", ""};
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  std::unique_ptr<FakeFirewall> tool;
+};
+
+// The same under each shell.
+class FirewallScriptTest : public FirewallScriptFile, public testing::WithParamInterface<Shell>
+{
+protected:
   // Skips the test where the shell is not there.
   void FindShell()
   {
@@ -47,26 +102,27 @@ protected:
       GTEST_SKIP() << "There is no " << GetParam().words.front() << " on this machine";
   }
 
-  ScriptOutcome Run(const QStringList& arguments)
+  QStringList ShellOptions() const
   {
     QStringList words;
     for (std::size_t i = 1; i < GetParam().words.size(); ++i)
       words.append(QString::fromLatin1(GetParam().words[i]));
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(folder);
-    process.start(shell, words + QStringList{script} + arguments);
-    process.closeWriteChannel();
-    EXPECT_TRUE(process.waitForFinished(60000));
-    EXPECT_EQ(QProcess::NormalExit, process.exitStatus());
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    return words;
   }
 
-  const QString folder = QDir::tempPath() + QStringLiteral("/firewall-script");
-  const QString script = folder + QStringLiteral("/Firewall");
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  ScriptOutcome Run(const QStringList& arguments)
+  {
+    return FirewallScriptFile::Run(shell, ShellOptions() + QStringList{script} + arguments);
+  }
+
+  // With the option of the script's first line.
+  ScriptOutcome RunApart(const QStringList& arguments)
+  {
+    return FirewallScriptFile::Run(shell, ShellOptions() + QStringList{"-p", script} + arguments,
+                                   ProcessApart());
+  }
+
   QString shell;
-  std::unique_ptr<FakeFirewall> tool;
 };
 
 INSTANTIATE_TEST_SUITE_P(Under, FirewallScriptTest, testing::ValuesIn(shells),
@@ -113,6 +169,76 @@ TEST_P(FirewallScriptTest, AFailingStepIsReportedAndStopsNothing)
   EXPECT_STREQ("", outcome.output.constData());
   EXPECT_TRUE(tool->Get().blockAll);
   EXPECT_TRUE(tool->Get().stealthMode);
+}
+
+TEST_P(FirewallScriptTest, SetsBothSwitchesForSignedSoftwareOfANewerTool)
+{
+  FindShell();
+  tool->BecomeNewer();
+  FakeFirewall::State state;
+  for (const bool isOn : {false, true})
+  {
+    state.allowSigned = !isOn;
+    state.allowSignedApp = true;
+    tool->Set(state);
+    const ScriptOutcome outcome = Run({"on", "on", isOn ? "on" : "off", "on", "", "", "", ""});
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_STREQ("", outcome.errors.constData());
+    EXPECT_EQ(isOn, tool->Get().allowSigned);
+    EXPECT_EQ(isOn, tool->Get().allowSignedApp);
+  }
+  EXPECT_THAT(tool->Calls(), Contains(Call{"--setallowsignedapp", "off"}));
+}
+
+TEST_P(FirewallScriptTest, ReportsWhatAToolRefusesInWordsOnly)
+{
+  FindShell();
+  const QByteArray words =
+      "Firewall settings cannot be modified from command line on managed Mac computers\n";
+  FakeFirewall::State state;
+  state.applications = {{"/old", false}, {"/kept one", true}};
+  state.stealthMode = true;
+  tool->Set(state);
+  tool->Refuse({"--setglobalstate", "--setblockall", "--setallowsigned", "--setallowsignedapp",
+                "--setstealthmode", "--add", "--remove", "--blockapp", "--unblockapp"});
+  const QStringList arguments = {"on", "on", "on", "off", "/new", "/old", "/old", "/kept one"};
+  const auto expect = [&](const std::vector<QByteArray>& steps)
+  {
+    QByteArray errors;
+    for (const QByteArray& step : steps)
+      errors += "Firewall: " + step + ": no effect: " + words;
+    const ScriptOutcome outcome = Run(arguments);
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(errors, outcome.errors);
+    EXPECT_TRUE(state == tool->Get());
+  };
+  expect({"--setglobalstate on", "--setblockall on", "--setallowsigned on", "--setstealthmode off",
+          "--add /new", "--remove /old", "--blockapp /old", "--unblockapp /kept one"});
+  tool->BecomeNewer();
+  expect({"--setglobalstate on", "--setblockall on", "--setallowsigned on", "--setallowsignedapp on",
+          "--setstealthmode off", "--add /new", "--remove /old", "--blockapp /old",
+          "--unblockapp /kept one"});
+}
+
+TEST_P(FirewallScriptTest, KeepsRootThatIsTheEffectiveIdOnly)
+{
+  FindShell();
+  const std::string reason = WhyNotApart();
+  if (!reason.empty())
+    GTEST_SKIP() << reason;
+  if (GetParam().name == std::string("Busybox"))
+    GTEST_SKIP() << "This shell has no option against dropping the effective id";
+  for (const char* userId : {"effective", "real"})
+  {
+    if (userId == std::string("real") && QStandardPaths::findExecutable("zsh").isEmpty())
+      GTEST_SKIP() << "There is no zsh on this machine to set the real id";
+    tool->DemandRoot(userId);
+    tool->Set({});
+    const ScriptOutcome outcome = RunApart(everythingOn);
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_STREQ("", outcome.errors.constData());
+    EXPECT_TRUE(tool->Get().stealthMode);
+  }
 }
 
 TEST_P(FirewallScriptTest, AnythingButEightArgumentsIsRefusedWhole)
@@ -177,6 +303,27 @@ TEST_P(FirewallScriptTest, AnybodyWhoStoppedListeningStopsNothing)
   ASSERT_TRUE(process.waitForFinished(60000));
   EXPECT_TRUE(WaitFor([&] { return tool->Calls().size() == 4; }));
   EXPECT_TRUE(WaitFor([&] { return tool->Get().stealthMode; }));
+}
+
+TEST_F(FirewallScriptFile, KeepsRootThatIsTheEffectiveIdOnly)
+{
+  const std::string reason = WhyNotApart();
+  if (!reason.empty())
+    GTEST_SKIP() << reason;
+  tool->DemandRoot("effective");
+  const ScriptOutcome outcome = Run(script, everythingOn, ProcessApart());
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_STREQ("", outcome.errors.constData());
+  EXPECT_TRUE(tool->Get().stealthMode);
+}
+
+TEST_F(FirewallScriptFile, TakesNoFunctionFromTheEnvironment)
+{
+  environment.insert("BASH_FUNC_printf%%", "() { /usr/bin/touch hacked; }");
+  const ScriptOutcome outcome = Run(script, everythingOn);
+  EXPECT_EQ(0, outcome.status);
+  EXPECT_STREQ("", outcome.errors.constData());
+  EXPECT_FALSE(QFile::exists(folder + "/hacked"));
 }
 
 TEST(ConfiguredFirewallScript, NamesTheSystemsToolAndLeavesNoGap)

@@ -195,7 +195,7 @@ TEST_F(OstrelFirewallTest, AToolThatFailsInTheMiddleIsADifference)
         const QString added = MakeBundle("A.app");
         tool.Fail({"--add"});
         const Outcome outcome =
-            RunVerb({"edit", "--add", added, "--set", "enabled=on", "--json", "--timeout", "1"});
+            RunVerb({"edit", "--add", added, "--set", "enabled=on", "--json", "--timeout", "10"});
         EXPECT_EQ(Failed, outcome.code);
         EXPECT_EQ("{\"differences\":[{\"action\":\"add\",\"path\":\"" + added.toStdString() +
                       "\"}],\"outcome\":\"different\",\"plan\":[{\"action\":\"set\",\"on\":true,\"switch\":"
@@ -217,7 +217,7 @@ TEST_F(OstrelFirewallTest, TheStandInServesWhereTheSystemHasNoTool)
         EXPECT_EQ(Done, RunVerb({"block", added}).code);
         EXPECT_EQ(Done, RunVerb({"set", "block-all=on", "enabled=on"}).code);
         EXPECT_EQ("tavrik-firewall 1\nenabled on\nblock-all on\nallow-signed off\nstealth off\n"
-                  "application block " +
+                  "allow-signed-app off\napplication block " +
                       added + "\n",
                   QString::fromUtf8(ReadText(keptState)));
         EXPECT_THAT(RunVerb({"status", "--json"}).out.toStdString(),
@@ -225,6 +225,20 @@ TEST_F(OstrelFirewallTest, TheStandInServesWhereTheSystemHasNoTool)
         EXPECT_EQ(Done, RunVerb({"unblock", added}).code);
         EXPECT_EQ(Done, RunVerb({"remove", added}).code);
         EXPECT_EQ("{\"applications\":[]}\n", RunVerb({"list", "--json"}).out);
+      });
+}
+
+TEST_F(OstrelFirewallTest, AllowSignedIsSwitchedOffWhereItHasTwoSwitches)
+{
+  RunAsRoot(
+      []
+      {
+        const QString tool = standIns + "/socketfilterfw";
+        EXPECT_EQ(Done, RunHost(tool, {"--setallowsigned", "on", "--setallowsignedapp", "on"}).code);
+        EXPECT_EQ(Done, RunVerb({"set", "allow-signed=off"}).code);
+        EXPECT_EQ("Automatically allow signed built-in software DISABLED \n"
+                  "Automatically allow downloaded signed software DISABLED \n",
+                  RunHost(tool, {"--getallowsigned"}).out);
       });
 }
 

@@ -113,10 +113,10 @@ TEST_F(SocketFilterTest, EverySwitchIsTurnedOnAndOffAndTold)
       {"blockall", "Firewall is set to block all non-essential incoming connections \n",
        "Block all DISABLED! \n"},
       {"allowsigned",
-       "Automatically allow signed built-in software ENABLED. \n"
-       "Automatically allow signed downloaded software ENABLED. \n",
-       "Automatically allow signed built-in software DISABLED. \n"
-       "Automatically allow signed downloaded software DISABLED. \n"},
+       "Automatically allow signed built-in software ENABLED \n"
+       "Automatically allow downloaded signed software DISABLED \n",
+       "Automatically allow signed built-in software DISABLED \n"
+       "Automatically allow downloaded signed software DISABLED \n"},
       {"stealthmode", "Stealth mode enabled \n", "Stealth mode disabled \n"}};
   for (const Switch& one : switches)
   {
@@ -128,6 +128,21 @@ TEST_F(SocketFilterTest, EverySwitchIsTurnedOnAndOffAndTold)
     EXPECT_EQ(0, RunSocketFilter({set, "off"}).code);
     EXPECT_EQ(one.off, Out(RunSocketFilter({ask})));
   }
+}
+
+TEST_F(SocketFilterTest, SignedSoftwareOfTheSystemAndDownloadedSoftwareHaveASwitchEach)
+{
+  EXPECT_EQ("Enabled allow signed downloaded applications automatically \n",
+            Out(RunSocketFilter({"--setallowsignedapp", "on"})));
+  EXPECT_EQ("Automatically allow signed built-in software DISABLED \n"
+            "Automatically allow downloaded signed software ENABLED \n",
+            Out(RunSocketFilter({"--getallowsigned"})));
+  EXPECT_EQ("Enabled allow signed built-in applications automatically \n"
+            "Disabled allow signed downloaded applications automatically \n",
+            Out(RunSocketFilter({"--setallowsigned", "on", "--setallowsignedapp", "off"})));
+  EXPECT_EQ("Automatically allow signed built-in software ENABLED \n"
+            "Automatically allow downloaded signed software DISABLED \n",
+            Out(RunSocketFilter({"--getallowsigned"})));
 }
 
 TEST_F(SocketFilterTest, BlockingAllIsTheThirdStateOfAFirewallThatIsOn)

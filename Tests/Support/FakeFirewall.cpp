@@ -9,7 +9,8 @@
 bool FakeFirewall::State::operator==(const State& other) const
 {
   return isEnabled == other.isEnabled && blockAll == other.blockAll && allowSigned == other.allowSigned &&
-         stealthMode == other.stealthMode && applications == other.applications;
+         stealthMode == other.stealthMode && allowSignedApp == other.allowSignedApp &&
+         applications == other.applications;
 }
 
 FakeFirewall::FakeFirewall(const QString& path) : path(path)
@@ -20,14 +21,15 @@ FakeFirewall::FakeFirewall(const QString& path) : path(path)
 
 FakeFirewall::~FakeFirewall()
 {
-  for (const char* ending : {"", ".state", ".calls", ".fails", ".newer"})
+  for (const char* ending : {"", ".state", ".calls", ".fails", ".refuses", ".demands", ".newer"})
     QFile::remove(path + QLatin1String(ending));
 }
 
 void FakeFirewall::Set(const State& state)
 {
   QByteArray text;
-  for (const bool isOn : {state.isEnabled, state.blockAll, state.allowSigned, state.stealthMode})
+  for (const bool isOn :
+       {state.isEnabled, state.blockAll, state.allowSigned, state.stealthMode, state.allowSignedApp})
     text += QByteArray(isOn ? "1" : "0") + '\0';
   for (const auto& application : state.applications)
     text += application.first + '\0' + (application.second ? "1" : "0") + '\0';
@@ -43,7 +45,8 @@ FakeFirewall::State FakeFirewall::Get() const
   state.blockAll = isOn(1);
   state.allowSigned = isOn(2);
   state.stealthMode = isOn(3);
-  for (int index = 4; index + 1 < fields.size(); index += 2)
+  state.allowSignedApp = isOn(4);
+  for (int index = 5; index + 1 < fields.size(); index += 2)
     state.applications.append({fields.at(index), isOn(index + 1)});
   return state;
 }
@@ -56,6 +59,16 @@ void FakeFirewall::BecomeNewer()
 void FakeFirewall::Fail(const QStringList& options)
 {
   WriteText(path + QLatin1String(".fails"), options.join('\n').toUtf8() + '\n');
+}
+
+void FakeFirewall::Refuse(const QStringList& options)
+{
+  WriteText(path + QLatin1String(".refuses"), options.join('\n').toUtf8() + '\n');
+}
+
+void FakeFirewall::DemandRoot(const QByteArray& userId)
+{
+  WriteText(path + QLatin1String(".demands"), userId + '\n');
 }
 
 std::vector<FakeFirewall::Call> FakeFirewall::Calls() const
@@ -71,9 +84,4 @@ std::vector<FakeFirewall::Call> FakeFirewall::Calls() const
     calls.push_back(call);
   }
   return calls;
-}
-
-void FakeFirewall::ForgetCalls()
-{
-  QFile::remove(path + QLatin1String(".calls"));
 }

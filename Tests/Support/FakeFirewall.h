@@ -22,6 +22,7 @@ public:
     bool blockAll = false;
     bool allowSigned = false;
     bool stealthMode = false;
+    bool allowSignedApp = false;                 ///< Of newer tools only.
     QList<QPair<QByteArray, bool>> applications; ///< Path, blocked.
 
     bool operator==(const State& other) const;
@@ -40,15 +41,21 @@ public:
   void Set(const State& state);
   State Get() const;
 
-  /** Answers in the words of macOS 15 and later from now on. */
+  /** From now on answers in the words of macOS 15 and later, and has a second switch for signed software. */
   void BecomeNewer();
 
   /** These options fail from now on, and change nothing. */
   void Fail(const QStringList& options);
 
+  /** From now on these options change nothing, say so, and succeed. */
+  void Refuse(const QStringList& options);
+
+  /** From now on settings fail unless that user id of the tool's process, "effective" or "real", is root's.
+   */
+  void DemandRoot(const QByteArray& userId);
+
   /** The settings that were asked for so far, in order, the failed ones included. */
   std::vector<Call> Calls() const;
-  void ForgetCalls();
 
 private:
   const QString path;

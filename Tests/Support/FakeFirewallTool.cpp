@@ -1,5 +1,6 @@
 // The program behind FakeFirewall. Its state lies beside the name that it was started by.
 
+#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <fstream>
@@ -44,20 +45,35 @@ public:
     if (Answer(option))
       return 0;
     Remember(words);
-    for (const std::string& failing : Split(ReadFile(path + ".fails"), '\n'))
-      if (failing == option)
-        return Complain("refused");
+    if (!HasDemandedRights())
+      return Complain("Must be root to change settings.");
+    if (IsIn(".fails", option))
+      return Complain("refused");
+    if (IsIn(".refuses", option))
+      return std::puts("Firewall settings cannot be modified from command line on managed Mac computers") < 0;
     return words.size() == 2 && (SetSwitch(option, words[1]) || Edit(option, words[1])) ? Store()
                                                                                         : Complain("usage");
   }
 
 private:
-  static constexpr std::size_t firstApplication = 4;
+  static constexpr std::size_t allowSignedApp = 4;
+  static constexpr std::size_t firstApplication = 5;
 
   static int Complain(const char* text)
   {
     std::fprintf(stderr, "%s\n", text);
     return 255;
+  }
+
+  bool IsIn(const char* ending, const std::string& option) const
+  {
+    const Words options = Split(ReadFile(path + ending), '\n');
+    return std::find(options.begin(), options.end(), option) != options.end();
+  }
+
+  bool HasDemandedRights() const
+  {
+    return (!IsIn(".demands", "effective") || geteuid() == 0) && (!IsIn(".demands", "real") || getuid() == 0);
   }
 
   bool Answer(const std::string& option) const
@@ -75,7 +91,9 @@ private:
       std::puts(isOn(1) ? "Firewall is set to block all non-essential incoming connections "
                         : "Block all DISABLED! ");
     else if (option == "--getallowsigned" && isNewer)
-      std::printf("Automatically allow built-in signed software %s.\n", isOn(2) ? "ENABLED" : "DISABLED");
+      std::printf("Automatically allow built-in signed software %s.\n"
+                  "Automatically allow downloaded signed software %s.\n",
+                  isOn(2) ? "ENABLED" : "DISABLED", isOn(allowSignedApp) ? "ENABLED" : "DISABLED");
     else if (option == "--getallowsigned")
       std::printf("Automatically allow signed built-in software %s \n", isOn(2) ? "ENABLED" : "DISABLED");
     else if (option == "--getstealthmode" && isNewer)
@@ -110,7 +128,9 @@ private:
 
   bool SetSwitch(const std::string& option, const std::string& value)
   {
-    const Words options = {"--setglobalstate", "--setblockall", "--setallowsigned", "--setstealthmode"};
+    Words options = {"--setglobalstate", "--setblockall", "--setallowsigned", "--setstealthmode"};
+    if (isNewer)
+      options.emplace_back("--setallowsignedapp");
     for (std::size_t i = 0; i < options.size(); ++i)
     {
       if (option != options[i] || (value != "on" && value != "off"))
@@ -156,7 +176,7 @@ private:
 
   const std::string path;
   const bool isNewer = access((path + ".newer").c_str(), F_OK) == 0; // speaks as macOS 15 and later do
-  Words fields; // the four switches, then a path and its block state for each application
+  Words fields; // the five switches, then a path and its block state for each application
 };
 
 } // namespace

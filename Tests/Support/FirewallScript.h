@@ -16,9 +16,11 @@ struct Shell
 };
 
 const Shell shells[] = {{"Dash", {"dash"}},
+                        {"Bash", {"bash"}},
                         {"BashPosix", {"bash", "--posix"}},
                         {"Busybox", {"busybox", "sh"}},
-                        {"Mksh", {"mksh"}}};
+                        {"Mksh", {"mksh"}},
+                        {"Zsh", {"zsh", "--emulate", "sh"}}};
 
 void PrintTo(const Shell& shell, std::ostream* stream);
 

@@ -20,7 +20,8 @@ namespace
 
 const char* const systemFile = "/var/lib/tavrik/firewall";
 const char* const firstLine = "tavrik-firewall 1";
-const char* const switchNames[SwitchCount] = {"enabled", "block-all", "allow-signed", "stealth"};
+const char* const switchNames[SwitchCount] = {"enabled", "block-all", "allow-signed", "stealth",
+                                              "allow-signed-app"};
 const std::size_t longestFile = 16UL * 1024 * 1024; // bytes that are read
 const int longestWait = 10000;                      // ms for other writers
 const int waitStep = 10;                            // ms

@@ -15,6 +15,7 @@ enum Switch
   BlockAll,
   AllowSigned,
   StealthMode,
+  AllowSignedApp, // downloaded software
   SwitchCount
 };
 

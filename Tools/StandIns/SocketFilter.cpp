@@ -32,7 +32,8 @@ const char* const usage =
     "  --add PATH                   add an application to the list\n"
     "  --remove PATH                take an application from the list\n"
     "  --getallowsigned             tell whether signed software is let through by itself\n"
-    "  --setallowsigned on|off      let it through, or not\n"
+    "  --setallowsigned on|off      let that of the system through, or not\n"
+    "  --setallowsignedapp on|off   let downloaded software through, or not\n"
     "  --getstealthmode             tell whether the machine keeps silent when probed\n"
     "  --setstealthmode on|off      let it keep silent, or not\n"
     "This stand-in filters nothing: it remembers what it is told.\n";
@@ -81,10 +82,10 @@ void TellBlockAll(const FirewallState& state)
 
 void TellAllowSigned(const FirewallState& state)
 {
-  const char* const word = OnOff(state.switches[AllowSigned], "ENABLED", "DISABLED");
-  std::printf("Automatically allow signed built-in software %s. \n"
-              "Automatically allow signed downloaded software %s. \n",
-              word, word);
+  std::printf("Automatically allow signed built-in software %s \n"
+              "Automatically allow downloaded signed software %s \n",
+              OnOff(state.switches[AllowSigned], "ENABLED", "DISABLED"),
+              OnOff(state.switches[AllowSignedApp], "ENABLED", "DISABLED"));
 }
 
 void TellStealthMode(const FirewallState& state)
@@ -139,6 +140,12 @@ void TellChangedAllowSigned(const FirewallState& state)
               OnOff(state.switches[AllowSigned], "Enabled", "Disabled"));
 }
 
+void TellChangedAllowSignedApp(const FirewallState& state)
+{
+  std::printf("%s allow signed downloaded applications automatically \n",
+              OnOff(state.switches[AllowSignedApp], "Enabled", "Disabled"));
+}
+
 struct SwitchOption
 {
   const char* ask;
@@ -151,7 +158,8 @@ const SwitchOption switchOptions[SwitchCount] = {
     {"--getglobalstate", "--setglobalstate", TellGlobalState, TellGlobalState},
     {"--getblockall", "--setblockall", TellBlockAll, TellBlockAll},
     {"--getallowsigned", "--setallowsigned", TellAllowSigned, TellChangedAllowSigned},
-    {"--getstealthmode", "--setstealthmode", TellStealthMode, TellStealthMode}};
+    {"--getstealthmode", "--setstealthmode", TellStealthMode, TellStealthMode},
+    {"--getallowsigned", "--setallowsignedapp", TellAllowSigned, TellChangedAllowSignedApp}};
 
 int SetSwitch(const StatePlace& place, int number, const std::string& value)
 {
