@@ -135,5 +135,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   FuzzedDataProvider provider(data, size);
   SetAll(&provider, path);
+  QFile::remove(path + QStringLiteral(".damaged"));
   return 0;
 }

@@ -1,4 +1,5 @@
 #include "Support/Processes.h"
+#include "Support/Programs.h"
 #include <Common/DaemonSettings.h>
 
 #include <gmock/gmock.h>
@@ -12,6 +13,8 @@
 #include <QFileInfo>
 #include <QTranslator>
 
+#include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <functional>
 #include <limits>
@@ -25,6 +28,23 @@
 using namespace Tavrik::Cleaner;
 using testing::Contains;
 using testing::IsEmpty;
+
+namespace
+{
+bool stopsBeforeTheStoreIsReplaced = false; // the next time
+}
+
+// Takes the place of the C library's, for Qt and the library as well.
+extern "C" __attribute__((visibility("default"))) int rename(const char* from, const char* to) noexcept
+{
+  const std::size_t length = std::strlen(to);
+  if (stopsBeforeTheStoreIsReplaced && length > 5 && std::strcmp(to + length - 5, ".conf") == 0)
+  {
+    stopsBeforeTheStoreIsReplaced = false;
+    raise(SIGSTOP);
+  }
+  return renameat(AT_FDCWD, from, AT_FDCWD, to);
+}
 
 namespace
 {
@@ -394,6 +414,259 @@ TEST(DaemonSettings, OutsideTheUsersFolderNothingIsWritten)
             QStringList(QFileInfo(file).fileName()));
 }
 
+QString StoreFolder()
+{
+  return QFileInfo(OpenStore()->fileName()).path();
+}
+
+QStringList StoreFiles()
+{
+  return QDir(StoreFolder()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+void WriteStoreFile(const QByteArray& text)
+{
+  QDir().mkpath(StoreFolder());
+  WriteText(OpenStore()->fileName(), text);
+}
+
+void CallAllGetters(const DaemonSettings& settings)
+{
+  settings.GetNeedToWatchTrashFlag();
+  settings.GetNeedToWatchDiskSpaceFlag();
+  settings.GetNeedToWatchRAMFlag();
+  settings.GetNeedToRemindAboutRegularMaintenanceFlag();
+  settings.GetNeedToWatchApplicationRemoveFlag();
+  settings.GetTrashSizeLimit();
+  settings.GetFreeDiskSpaceLimit();
+  settings.GetFreeRAMLimit();
+  settings.GetRegularMaintenanceRemindPeriod();
+  settings.PrevNextEventDates();
+  settings.RemindPeriodToString(DaemonSettings::Weekly);
+  settings.CalculateNextEventFromGiven(QDate(2017, 1, 31), DaemonSettings::Weekly);
+}
+
+// Each number of free pages lets a write get further.
+class FullDisk : public testing::TestWithParam<int>
+{
+};
+
+TEST_P(FullDisk, KeepsWhatIsStoredWhateverIsReadAndAChangeUntilItCanBeWritten)
+{
+  if (!MountSmallDisk(StoreFolder()))
+    GTEST_SKIP() << "The machine forbids to mount a disk";
+  const qint64 page = 4096;
+  {
+    DaemonSettings settings;
+    settings.SetTrashSizeLimit(7);
+    settings.SetFreeDiskSpaceLimit(8);
+  }
+  const QByteArray stored = ReadText(OpenStore()->fileName());
+  {
+    DaemonSettings lost;
+    FillDisk(StoreFolder(), 0);
+    lost.SetTrashSizeLimit(99998);
+  }
+  DaemonSettings settings;
+  FillDisk(StoreFolder(), GetParam() * page);
+  settings.SetTrashSizeLimit(99999);
+  EXPECT_EQ(settings.GetTrashSizeLimit(), 99999);
+  const bool isStored = ReadText(OpenStore()->fileName()) != stored;
+  for (int freePages = 0; freePages < 5 && !isStored; ++freePages)
+  {
+    FillDisk(StoreFolder(), freePages * page);
+    CallAllGetters(settings);
+    CallAllGetters(DaemonSettings());
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(ReadText(OpenStore()->fileName()), stored) << freePages;
+    EXPECT_EQ(settings.GetTrashSizeLimit(), 99999) << freePages;
+    EXPECT_EQ(DaemonSettings().GetTrashSizeLimit(), 7) << freePages;
+  }
+  QFile::remove(StoreFolder() + "/filler");
+  settings.SetNeedToWatchRAMFlag(false);
+  EXPECT_EQ(DaemonSettings().GetTrashSizeLimit(), 99999);
+  EXPECT_EQ(DaemonSettings().GetFreeDiskSpaceLimit(), 8);
+  EXPECT_FALSE(DaemonSettings().GetNeedToWatchRAMFlag());
+  EXPECT_EQ(StoreFiles(), QStringList(QFileInfo(OpenStore()->fileName()).fileName()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, FullDisk, testing::Range(0, 6));
+
+TEST(DaemonSettings, SaySaveWhetherAllIsStored)
+{
+  const QString file = OpenStore()->fileName();
+  QDir().mkpath(file); // a folder in the file's place
+  DaemonSettings settings;
+  EXPECT_TRUE(settings.Save());
+  settings.SetTrashSizeLimit(7);
+  settings.SetFreeDiskSpaceLimit(8);
+  EXPECT_FALSE(settings.Save());
+  ASSERT_TRUE(QDir().rmdir(file));
+  EXPECT_TRUE(settings.Save());
+  EXPECT_THAT(StoreLines(), Contains("TRASH_SIZE_LIMIT=7"));
+  EXPECT_THAT(StoreLines(), Contains("FREE_DISK_SPACE_LIMIT=8"));
+}
+
+TEST(DaemonSettings, AreWrittenAlthoughAWriterIsStoppedAndKeptWhenItGoesOn)
+{
+  DaemonSettings().SetNeedToWatchRAMFlag(false);
+  const pid_t stopped = StartProcess(
+      []
+      {
+        stopsBeforeTheStoreIsReplaced = true;
+        DaemonSettings settings;
+        settings.SetTrashSizeLimit(5);
+        return settings.GetTrashSizeLimit() == 5;
+      });
+  int status = 0;
+  ASSERT_EQ(waitpid(stopped, &status, WUNTRACED), stopped);
+  ASSERT_TRUE(WIFSTOPPED(status));
+  const pid_t other = StartProcess(
+      []
+      {
+        QElapsedTimer timer;
+        timer.start();
+        DaemonSettings().SetFreeDiskSpaceLimit(6);
+        return timer.elapsed() < 30000 && DaemonSettings().GetFreeDiskSpaceLimit() == 6;
+      });
+  EXPECT_TRUE(WaitFor([other] { return waitpid(other, nullptr, WNOHANG | WNOWAIT) != 0; }));
+  EXPECT_TRUE(Succeeds(other));
+  kill(stopped, SIGCONT);
+  EXPECT_TRUE(Succeeds(stopped));
+  EXPECT_EQ(DaemonSettings().GetTrashSizeLimit(), 5);
+  EXPECT_EQ(DaemonSettings().GetFreeDiskSpaceLimit(), 6);
+  EXPECT_FALSE(DaemonSettings().GetNeedToWatchRAMFlag());
+  EXPECT_EQ(StoreFiles().size(), 1) << StoreFiles().join(' ').toStdString();
+}
+
+TEST(DaemonSettings, AreWholeAfterAWriterWasKilledAndTheNextWriteTidiesUp)
+{
+  DaemonSettings().SetFreeDiskSpaceLimit(6);
+  const pid_t stopped = StartProcess(
+      []
+      {
+        stopsBeforeTheStoreIsReplaced = true;
+        DaemonSettings().SetTrashSizeLimit(5);
+        return true;
+      });
+  int status = 0;
+  ASSERT_EQ(waitpid(stopped, &status, WUNTRACED), stopped);
+  kill(stopped, SIGKILL);
+  EXPECT_FALSE(Succeeds(stopped));
+  EXPECT_EQ(DaemonSettings().GetFreeDiskSpaceLimit(), 6);
+  DaemonSettings().SetNeedToWatchRAMFlag(false);
+  EXPECT_EQ(DaemonSettings().GetFreeDiskSpaceLimit(), 6);
+  EXPECT_FALSE(DaemonSettings().GetNeedToWatchRAMFlag());
+  EXPECT_EQ(StoreFiles().size(), 1) << StoreFiles().join(' ').toStdString();
+}
+
+TEST(DaemonSettings, OfAFormerFileBesideACutOffOneAreRestoredByTheNextWrite)
+{
+  const QByteArray former = "[General]\nTRASH_SIZE_LIMIT=7\nFREE_DISK_SPACE_LIMIT=8\n";
+  for (const char* const cutOff : {"", "[Gen", "[General]\nTRASH_SIZE_LI"})
+    for (const QByteArray& whole : {former, former.trimmed()}) // the latter as by an editor
+    {
+      WriteStoreFile(cutOff);
+      WriteText(OpenStore()->fileName() + ".former", whole);
+      DaemonSettings().SetTrashSizeLimit(9);
+      EXPECT_EQ(DaemonSettings().GetTrashSizeLimit(), 9) << cutOff;
+      EXPECT_EQ(DaemonSettings().GetFreeDiskSpaceLimit(), 8) << cutOff;
+      EXPECT_FALSE(QFile::exists(OpenStore()->fileName() + ".former")) << cutOff;
+    }
+}
+
+TEST(DaemonSettings, OfAFormerFileBesideAWholeOneAreDropped)
+{
+  WriteStoreFile("[General]\nTRASH_SIZE_LIMIT=5\n");
+  WriteText(OpenStore()->fileName() + ".former", "[General]\nTRASH_SIZE_LIMIT=7\nFREE_DISK_SPACE_LIMIT=8\n");
+  DaemonSettings().SetNeedToWatchRAMFlag(false);
+  EXPECT_EQ(DaemonSettings().GetTrashSizeLimit(), 5);
+  EXPECT_EQ(DaemonSettings().GetFreeDiskSpaceLimit(), 5000000000);
+  EXPECT_EQ(StoreFiles().size(), 1) << StoreFiles().join(' ').toStdString();
+}
+
+const QList<QByteArray> damagedStores = {"nonsense",
+                                         "nonsense\n",
+                                         "[General\nTRASH_SIZE_LIMIT=5\n",
+                                         "[General]\nTRASH_SIZE_LIMIT=5\nFREE_DISK\n",
+                                         QByteArray(100, '\0'),
+                                         QByteArray("\0\xff[[[=\n]%x=\\x\n\"", 15).repeated(100)};
+
+TEST(DaemonSettings, OfADamagedStoreAreKeptBeforeTheFirstWrite)
+{
+  const QString file = OpenStore()->fileName();
+  int number = 0;
+  for (const QByteArray& damaged : damagedStores)
+  {
+    WriteStoreFile(damaged);
+    DaemonSettings().SetFreeRAMLimit(0.5F);
+    DaemonSettings().SetNeedToWatchRAMFlag(false);
+    ++number;
+    const QString kept =
+        file + (number == 1 ? QStringLiteral(".damaged") : QStringLiteral(".damaged.%1").arg(number));
+    EXPECT_EQ(ReadText(kept), damaged);
+    EXPECT_EQ(DaemonSettings().GetFreeRAMLimit(), 0.5F);
+    EXPECT_EQ(StoreFiles().size(), 1 + number);
+  }
+}
+
+TEST(DaemonSettings, ThatAreDamagedAreReported)
+{
+  EXPECT_FALSE(DaemonSettings().IsDamaged());
+  for (const char* const sound :
+       {"", "[General]\nTRASH_SIZE_LIMIT=5\n", "TRASH_SIZE_LIMIT=5", "; a remark\r\n\r\n[a]\r\nb = c\r\n",
+        "HELP_URL=a\\\nb\n", "HELP_URL=\xc3\xa4\n", "CLEANER_PATH=\n"})
+  {
+    WriteStoreFile(sound);
+    EXPECT_FALSE(DaemonSettings().IsDamaged()) << sound;
+  }
+  for (const QByteArray& damaged : damagedStores)
+  {
+    WriteStoreFile(damaged);
+    EXPECT_TRUE(DaemonSettings().IsDamaged()) << damaged.constData();
+  }
+  DaemonSettings settings;
+  settings.WriteSettings(KeyHelpUrl, QStringLiteral("a\nb\\\x01=[;\u017e\""));
+  EXPECT_FALSE(settings.IsDamaged());
+}
+
+TEST(DaemonSettings, ThatAreNoValuesAreReportedWithTheirText)
+{
+  DaemonSettings settings;
+  EXPECT_THAT(settings.InvalidValues(), IsEmpty());
+  settings.SetNeedToWatchTrashFlag(false);
+  settings.SetTrashSizeLimit(-5);
+  settings.SetFreeRAMLimit(2);
+  settings.SetNextEventDate(QDate());
+  settings.SetPrevEventDate(QDate(2017, 1, 31));
+  settings.SetRegularMaintenanceRemindPeriod(DaemonSettings::Annually);
+  EXPECT_THAT(settings.InvalidValues(), IsEmpty());
+  WriteStoreFile("[General]\nNEED_TO_WATCH_RAM=off\nTRASH_SIZE_LIMIT=garbage\nFREE_DISK_SPACE_LIMIT=\"1,5\"\n"
+                 "FREE_RAM_LIMIT=nan\nNEXT_REGULAR_MAINTENANCE_EVENT=soon\n"
+                 "REGULAR_MAINTENANCE_REMIND_PERIOD=6\nHELP_URL=7\n");
+  const QMap<QString, QString> invalid{{KeyNeedToWatchRAM, "off"},
+                                       {KeyTrashSizeLimit, "garbage"},
+                                       {KeyFreeDiskSpaceLimit, "1,5"},
+                                       {KeyFreeRAMLimit, "nan"},
+                                       {KeyNextRegularMaintenanceEvent, "soon"},
+                                       {KeyregularMaintenanceRemindPeriod, "6"}};
+  EXPECT_EQ(settings.InvalidValues(), invalid);
+  EXPECT_EQ(settings.GetTrashSizeLimit(), 0);
+}
+
+TEST(DaemonSettings, OfALinkedFileStayBehindTheLink)
+{
+  const QString target = QDir::homePath() + "/elsewhere.conf";
+  WriteText(target, "[General]\nTRASH_SIZE_LIMIT=5\n");
+  QDir().mkpath(StoreFolder());
+  ASSERT_TRUE(QFile::link(target, OpenStore()->fileName()));
+  ASSERT_TRUE(QFile::setPermissions(target, QFile::ReadOwner | QFile::WriteOwner));
+  DaemonSettings().SetFreeDiskSpaceLimit(8);
+  EXPECT_TRUE(QFileInfo(OpenStore()->fileName()).isSymLink());
+  EXPECT_EQ(ReadText(target), "[General]\nFREE_DISK_SPACE_LIMIT=8\nTRASH_SIZE_LIMIT=5\n");
+  EXPECT_EQ(QFile::permissions(target) & QFile::ReadOther, 0);
+}
+
 TEST(DaemonSettings, ThatCannotBeWrittenAreKeptAndWrittenWhenTheyCan)
 {
   const QString file = OpenStore()->fileName();
@@ -405,7 +678,7 @@ TEST(DaemonSettings, ThatCannotBeWrittenAreKeptAndWrittenWhenTheyCan)
   EXPECT_EQ(settings.GetTrashSizeLimit(), 7);
 
   ASSERT_TRUE(QDir().rmdir(file));
-  settings.GetNeedToWatchRAMFlag();
+  settings.SetFreeDiskSpaceLimit(8);
   EXPECT_THAT(StoreLines(), Contains("TRASH_SIZE_LIMIT=7"));
 }
 

@@ -205,6 +205,72 @@ TEST(Settings, GarbageInTheStoreIsShownAsTheLibraryReadsIt)
   EXPECT_TRUE(human.endsWith("\nNo reminder.\n"));
 }
 
+TEST(Settings, TextThatIsNoValueIsReportedWithWhatIsStored)
+{
+  DaemonSettings settings;
+  settings.WriteSettings(KeyTrashSizeLimit, "garbage");
+  settings.WriteSettings(KeyNeedToWatchRAM, "off\x1B");
+  const QByteArray human = RunSettings({"list"}).out;
+  EXPECT_TRUE(human.contains("(stored: garbage)")) << human.toStdString();
+  EXPECT_TRUE(human.contains("(stored: \"off\\u001b\")")) << human.toStdString();
+  EXPECT_EQ(human.count("(stored: "), 2);
+  QStringList stored;
+  for (const QJsonValue& setting : List()["settings"].toArray())
+    if (setting.toObject().contains("stored"))
+      stored.append(setting["name"].toString() + '=' + setting["stored"].toString());
+  EXPECT_EQ(stored, QStringList({"watch-ram=off\x1B", "trash-size-limit=garbage"}));
+  const Outcome get = RunSettings({"get", "trash-size-limit"});
+  EXPECT_EQ(get.out, "0\n");
+  EXPECT_EQ(get.err, "ostrel: TRASH_SIZE_LIMIT is stored as garbage, which is not a value for it\n");
+  EXPECT_EQ(RunSettings({"get", "free-disk-space-limit"}).err, "");
+}
+
+TEST(Settings, DamagedFileIsReportedAndKept)
+{
+  const QByteArray name = GetStorePath().toUtf8();
+  QDir().mkpath(QFileInfo(GetStorePath()).path());
+  WriteText(GetStorePath(), "garbage");
+  EXPECT_EQ(RunSettings({"list"}).err,
+            "ostrel: " + name +
+                " is damaged; the next change keeps it with \".damaged\" after its "
+                "name\n");
+  EXPECT_EQ(RunSettings({"set", "remind", "perhaps"}).code, WrongUsage);
+  EXPECT_EQ(ReadText(GetStorePath()), "garbage");
+  const Outcome set = RunSettings({"set", "remind", "off"});
+  EXPECT_EQ(set.code, Done);
+  EXPECT_EQ(set.err, "ostrel: " + name + " was damaged; it is kept with \".damaged\" after its name\n");
+  EXPECT_EQ(ReadText(GetStorePath() + ".damaged"), "garbage");
+  EXPECT_EQ(RunSettings({"list"}).err,
+            "ostrel: the settings were damaged; what they were is in " + name + ".damaged\n");
+  EXPECT_EQ(RunSettings({"set", "remind", "on"}).err, "");
+}
+
+TEST(Settings, ChangeThatFindsTheDiskFullEndsWithNotPermitted)
+{
+  const QString folder = QFileInfo(GetStorePath()).path();
+  if (!MountSmallDisk(folder))
+    GTEST_SKIP() << "The machine forbids to mount a disk";
+  EXPECT_EQ(RunSettings({"set", "trash-size-limit", "7"}).code, Done);
+  int refused = 0;
+  for (int freePages = 0; freePages < 6; ++freePages)
+  {
+    FillDisk(folder, freePages * 4096);
+    const QByteArray before = ReadText(GetStorePath());
+    const Outcome outcome = RunSettings({"set", "trash-size-limit", QString::number(10 + freePages)});
+    const bool isStored = Get("trash-size-limit") == QByteArray::number(10 + freePages);
+    EXPECT_EQ(outcome.code, isStored ? Done : NotPermitted) << freePages;
+    EXPECT_EQ(outcome.err.contains("the settings cannot be written"), !isStored) << outcome.err.toStdString();
+    if (!isStored)
+    {
+      ++refused;
+      EXPECT_EQ(ReadText(GetStorePath()), before) << freePages;
+    }
+  }
+  EXPECT_GT(refused, 0);
+  QFile::remove(folder + "/filler");
+  EXPECT_EQ(RunSettings({"unset", "trash-size-limit"}).code, Done);
+}
+
 TEST(Settings, NextReminderIsCountedFromThePreviousOne)
 {
   RunSettings({"set", "next-event", "2017-02-20"});

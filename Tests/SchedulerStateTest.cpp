@@ -113,6 +113,86 @@ TEST_F(Keeping, WhatIsNoNoticeInTheStateIsLeftOut)
   EXPECT_EQ(kept.first().toObject(), QJsonDocument::fromJson(sound).object());
 }
 
+TEST_F(Keeping, DamagedStateThatCannotBeRenamedIsLeftAlone)
+{
+  WantAllMemory();
+  WriteText(stateFile, "nonsense");
+  ASSERT_TRUE(QDir().mkpath(stateFile + ".damaged/folder"));
+  EXPECT_EQ(LookOnce().size(), 1);
+  EXPECT_TRUE(error.contains("is damaged and cannot be renamed: ")) << error.constData();
+  EXPECT_FALSE(error.contains("kept as")) << error.constData();
+  EXPECT_EQ(ReadText(stateFile), "nonsense");
+}
+
+TEST_F(Keeping, IdsGoOnAfterADamagedState)
+{
+  WantAllMemory();
+  WriteText(stateFile, R"({"version":1,"lastId": 41,"notices":[{"id":7,"kind")");
+  const QList<QJsonObject> notices = LookOnce();
+  ASSERT_EQ(notices.size(), 1);
+  EXPECT_EQ(notices.first().value("id").toInt(), 42);
+}
+
+TEST_F(Keeping, AcknowledgementThatFindsTheDiskFullIsAnErrorAndLosesNothing)
+{
+  if (!MountSmallDisk(home + "/state"))
+    GTEST_SKIP() << "The machine forbids to mount a disk";
+  WantAllMemory();
+  const Process scheduler = BeginOnBus();
+  ASSERT_TRUE(scheduler->WaitForNotices(1));
+  const QByteArray before = ReadText(stateFile);
+  FillDisk(home + "/state", 0);
+  HostProcess acknowledging(QStringLiteral(OSTREL), {"notices", "--ack", "1"});
+  EXPECT_EQ(acknowledging.Begin().Finish(), Failed);
+  EXPECT_EQ(acknowledging.Out(), "");
+  EXPECT_TRUE(acknowledging.Err().contains("not-kept")) << acknowledging.Err().toStdString();
+  EXPECT_TRUE(scheduler->WaitForError("cannot write " + stateFile.toUtf8()));
+  EXPECT_EQ(ReadText(stateFile), before);
+
+  QFile::remove(home + "/state/filler");
+  HostProcess again(QStringLiteral(OSTREL), {"notices", "--ack", "1"});
+  EXPECT_EQ(again.Begin().Finish(), Done);
+  EXPECT_EQ(ReadState().value("notices").toArray().size(), 0);
+}
+
+TEST_F(Keeping, LockThatIsNoFileEndsWithAPlainMessage)
+{
+  WriteText(home + "/elsewhere", "");
+  const QByteArray lock = QFile::encodeName(stateFile + ".lock");
+  const auto expectRefusal = [&]
+  {
+    SchedulerProcess scheduler(Arguments({"--once"}));
+    EXPECT_EQ(scheduler.Begin().Finish(), Failed);
+    EXPECT_EQ(scheduler.Err(), "ostrel-scheduler: " + lock +
+                                   " must be a regular file, for it is the scheduler's lock; remove it\n");
+  };
+  ASSERT_EQ(0, symlink(qPrintable(home + "/elsewhere"), lock.constData()));
+  expectRefusal();
+  ASSERT_EQ(0, unlink(lock.constData()));
+  ASSERT_EQ(0, symlink("nowhere", lock.constData()));
+  expectRefusal();
+  ASSERT_EQ(0, unlink(lock.constData()));
+  ASSERT_EQ(0, mkdir(lock.constData(), 0700));
+  expectRefusal();
+  ASSERT_EQ(0, rmdir(lock.constData()));
+  ASSERT_EQ(0, mkfifo(lock.constData(), 0600));
+  expectRefusal();
+  ASSERT_EQ(0, unlink(lock.constData()));
+  LookOnce();
+}
+
+TEST_F(Keeping, LockThatMayNotBeOpenedEndsWithAPlainMessage)
+{
+  BecomeUser();
+  const QByteArray lock = QFile::encodeName(stateFile + ".lock");
+  WriteText(stateFile + ".lock", "");
+  ASSERT_EQ(0, chmod(lock.constData(), 0));
+  SchedulerProcess scheduler(Arguments({"--once"}));
+  EXPECT_EQ(scheduler.Begin().Finish(), Failed);
+  EXPECT_TRUE(scheduler.Err().startsWith("ostrel-scheduler: cannot lock " + lock + ": "))
+      << scheduler.Err().toStdString();
+}
+
 TEST_F(Keeping, StateThatIsNoFileIsLeftAlone)
 {
   WantAllMemory();

@@ -133,7 +133,10 @@ TEST_F(Scheduling, CommandLineThatIsWrongEndsWithWrongUsage)
   for (const QStringList& arguments :
        {QStringList{"--interval", "0"}, QStringList{"--interval", "nan"}, QStringList{"--interval", "86401"},
         QStringList{"--state", ""}, QStringList{"--context", ""}, QStringList{"surplus"},
-        QStringList{"--trash"}})
+        QStringList{"--trash"}, QStringList{"--once", "--trash", home, "--trash", home},
+        QStringList{"--once", "--disk", home, "--disk", home},
+        QStringList{"--once", "--state", stateFile, "--state", stateFile},
+        QStringList{"--once", "--state", home}})
   {
     HostProcess scheduler(QStringLiteral(OSTREL_SCHEDULER), arguments);
     EXPECT_EQ(scheduler.Begin().Finish(), WrongUsage) << arguments.join(' ').toStdString();
@@ -162,7 +165,7 @@ TEST_F(Scheduling, SecondSchedulerOnABusSaysSoAndTellsNothing)
 {
   WantAllMemory();
   const Process first = BeginOnBus();
-  SchedulerProcess second(Arguments({"--state", home + "/other.json"}));
+  SchedulerProcess second({"--json", "--state", home + "/other.json"});
   EXPECT_EQ(second.Begin().Finish(), NameTaken);
   EXPECT_EQ(second.Err(), "ostrel-scheduler: the name scheduler is taken on the bus ostrel\n");
   EXPECT_EQ(second.Out(), "");

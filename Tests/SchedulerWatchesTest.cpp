@@ -193,7 +193,44 @@ TEST_F(Watching, TakesAMissingTrashForAnEmptyOne)
   SchedulerProcess scheduler(Arguments({"--once"}));
   EXPECT_EQ(scheduler.Begin().Finish(), Done);
   EXPECT_EQ(scheduler.Events().last().value("trashSize").toInt(-1), 0);
-  EXPECT_EQ(scheduler.Err(), "");
+  EXPECT_EQ(scheduler.Err(),
+            "ostrel-scheduler: --trash: " + trash.toUtf8() + " does not exist; it counts as empty\n");
+}
+
+TEST_F(Watching, SaysOnceThatAFolderCannotBeLookedAt)
+{
+  settings.SetNeedToWatchDiskSpaceFlag(true);
+  settings.SetNeedToWatchApplicationRemoveFlag(true);
+  const QString missing = home + "/nonexist";
+  const Process scheduler = Begin({"--applications", missing});
+  ASSERT_TRUE(scheduler->WaitForLooks());
+  EXPECT_EQ(scheduler->Err(), "ostrel-scheduler: cannot look for applications in " + missing.toUtf8() + "\n");
+  QDir().mkpath(missing);
+  ASSERT_TRUE(scheduler->WaitForLooks());
+  QDir().rmdir(missing);
+  ASSERT_TRUE(scheduler->WaitForLooks());
+  EXPECT_EQ(scheduler->Err().count("cannot look for applications in "), 2);
+
+  SchedulerProcess other({"--once", "--json", "--state", stateFile + "2", "--disk", missing});
+  EXPECT_EQ(other.Begin().Finish(), Done);
+  EXPECT_TRUE(other.Err().contains("ostrel-scheduler: cannot look at the disk of " + missing.toUtf8() + ": "))
+      << other.Err().toStdString();
+}
+
+TEST_F(Watching, SaysOnceWhatIsWrongWithTheSettings)
+{
+  const QString store = QSettings("tavrik", "ostrel2.scheduler").fileName();
+  WriteText(store, ReadText(store) + "garbage\nTRASH_SIZE_LIMIT=garbage\n");
+  const Process scheduler = Begin();
+  ASSERT_TRUE(scheduler->WaitForLooks());
+  EXPECT_EQ(scheduler->Err(),
+            "ostrel-scheduler: " + store.toUtf8() +
+                " is damaged; the next change keeps it with \".damaged\" after its name\n"
+                "ostrel-scheduler: TRASH_SIZE_LIMIT is stored as garbage, which is not a value for it\n");
+  settings.WriteSettings(Tavrik::Cleaner::KeyTrashSizeLimit, "nonsense");
+  ASSERT_TRUE(scheduler->WaitForLooks());
+  EXPECT_TRUE(
+      scheduler->Err().endsWith("TRASH_SIZE_LIMIT is stored as nonsense, which is not a value for it\n"));
 }
 
 TEST_F(Watching, SaysOnceThatItCannotLookIntoTheTrash)

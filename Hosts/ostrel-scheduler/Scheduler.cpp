@@ -43,12 +43,9 @@ Scheduler::Scheduler(const SchedulerOptions& options, Signals& signalSource)
 
 int Scheduler::Run()
 {
-  if (!options.dryRun && !state.Lock())
-  {
-    PrintError(
-        Texts::tr("another scheduler of this user keeps its notices in %1").arg(ShowName(options.stateFile)));
-    return NameTaken;
-  }
+  if (!options.dryRun)
+    if (const int failure = state.Lock())
+      return failure;
   state.Load(options.dryRun);
   const int code = options.once || options.dryRun ? RunAlone() : RunOnBus();
   return output.Status() != Done ? output.Status() : code;

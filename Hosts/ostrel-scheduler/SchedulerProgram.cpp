@@ -3,15 +3,19 @@
 #include "Arguments.h"
 #include "Completions.h"
 #include "ExitCodes.h"
+#include "Output.h"
 #include "Places.h"
+#include "SafeText.h"
 #include "Scheduler.h"
 #include "Signals.h"
 #include "Startup.h"
+#include "Texts.h"
 
 #include <CLI/CLI.hpp>
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <sys/stat.h>
@@ -46,16 +50,32 @@ void AddOptions(CLI::App& app, SchedulerOptions& options)
   AddName(app, "--context,-c", options.contextName, "The bus to join (default: ostrel)");
   AddPath(
       app, "--trash", [&options](const QString& path) { options.trash = path; },
-      "The trash (default: the user's)");
+      "The trash (default: the user's)")
+      ->expected(1);
   AddPath(
       app, "--disk", [&options](const QString& path) { options.disk = path; },
-      "A folder on the disk whose free space counts (default: the user's home)");
+      "A folder on the disk whose free space counts (default: the user's home)")
+      ->expected(1);
   AddPath(
       app, "--applications", [&options](const QString& path) { options.applications.append(path); },
       "A folder of applications; may be given again (default: /Applications where there is one)");
   AddPath(
       app, "--state", [&options](const QString& path) { options.stateFile = path; },
-      "Where notices are kept (default: tavrik/ostrel-scheduler.json in the user's data folder)");
+      "Where notices are kept (default: tavrik/ostrel-scheduler.json in the user's data folder)")
+      ->expected(1);
+}
+
+// A name that was mistyped would otherwise be watched in vain: a missing trash counts as an empty one.
+bool Check(const SchedulerOptions& options)
+{
+  if (QFileInfo(options.stateFile).isDir())
+  {
+    PrintError(Texts::tr("--state: %1 is a folder; name a file").arg(ShowName(options.stateFile)));
+    return false;
+  }
+  if (!options.trash.isEmpty() && !QFileInfo::exists(options.trash))
+    PrintError(Texts::tr("--trash: %1 does not exist; it counts as empty").arg(ShowName(options.trash)));
+  return true;
 }
 
 // A folder that is given twice would be looked at twice.
@@ -104,6 +124,8 @@ int RunSchedulerProgram(int argc, char** argv)
   QCoreApplication application(argc, argv);
   SetUpProgram(verbosity);
   Signals signalSource;
+  if (!Check(options))
+    return WrongUsage;
   FillIn(options);
   Scheduler scheduler(options, signalSource);
   return scheduler.Run();

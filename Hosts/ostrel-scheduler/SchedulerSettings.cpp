@@ -1,5 +1,11 @@
 #include "SchedulerSettings.h"
 
+#include "Output.h"
+#include "SafeText.h"
+#include "Texts.h"
+
+#include <utility>
+
 namespace Ostrel
 {
 
@@ -7,8 +13,25 @@ using namespace Tavrik::Cleaner;
 
 SettingsReader::SettingsReader() : texts(QStringLiteral("tavrik"), QStringLiteral("ostrel2.scheduler")) {}
 
+void SettingsReader::ReportFaults()
+{
+  const bool wasDamaged = std::exchange(isDamaged, settings.IsDamaged());
+  if (isDamaged && !wasDamaged)
+    PrintError(Texts::tr("%1 is damaged; the next change keeps it with \".damaged\" after its name")
+                   .arg(ShowName(texts.fileName())));
+  const QMap<QString, QString> before = std::exchange(invalidValues, settings.InvalidValues());
+  for (auto value = invalidValues.cbegin(); value != invalidValues.cend(); ++value)
+    if (!before.contains(value.key()) || before.value(value.key()) != *value)
+      PrintError(
+          Texts::tr("%1 is stored as %2, which is not a value for it").arg(value.key(), ShowName(*value)));
+  const bool wasSaved = std::exchange(isSaved, settings.Save());
+  if (!isSaved && wasSaved)
+    PrintError(Texts::tr("the settings cannot be written: %1").arg(ShowText(texts.fileName())));
+}
+
 SchedulerSettings SettingsReader::Read()
 {
+  ReportFaults();
   SchedulerSettings now;
   now.watchesTrash = settings.GetNeedToWatchTrashFlag();
   now.watchesDiskSpace = settings.GetNeedToWatchDiskSpaceFlag();

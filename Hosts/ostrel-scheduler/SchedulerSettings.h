@@ -25,20 +25,26 @@ struct SchedulerSettings
   QString helpUrl;
 };
 
-/** The store of this user, as the scheduler uses it. */
+/** The store of this user, as the scheduler uses it. Reports what is wrong with it, once until that changes.
+ */
 class SettingsReader
 {
 public:
   SettingsReader();
 
-  /** @return What the store holds now. */
+  /** Tries again to store what could not be stored. @return What the store holds now. */
   SchedulerSettings Read();
 
   Tavrik::Cleaner::DaemonSettings& Store() { return settings; }
 
 private:
+  void ReportFaults();
+
   Tavrik::Cleaner::DaemonSettings settings;
   QSettings texts; // the keys that have no getter
+  bool isDamaged = false;
+  bool isSaved = true;
+  QMap<QString, QString> invalidValues;
 };
 
 /** @return The settings under the names of their keys. */

@@ -1,5 +1,6 @@
 #include "State.h"
 
+#include "ExitCodes.h"
 #include "Output.h"
 #include "SafeText.h"
 #include "Texts.h"
@@ -9,6 +10,7 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QSaveFile>
 
 #include <array>
@@ -44,8 +46,10 @@ int ReadAll(const QByteArray& path, QByteArray& text)
     return errno;
   struct stat status = {};
   int error = fstat(file, &status) != 0 ? errno : 0;
-  if (error == 0 && (!S_ISREG(status.st_mode) || status.st_size > longestFile))
-    error = EFBIG;
+  if (error == 0 && S_ISDIR(status.st_mode))
+    error = EISDIR;
+  else if (error == 0 && (!S_ISREG(status.st_mode) || status.st_size > longestFile))
+    error = S_ISREG(status.st_mode) ? EFBIG : EINVAL;
   std::array<char, 65536> buffer;
   while (error == 0 && text.size() <= longestFile)
   {
@@ -59,6 +63,16 @@ int ReadAll(const QByteArray& path, QByteArray& text)
   }
   close(file);
   return error;
+}
+
+// Of a text that is no state any more, so that the ids of notices stay unique.
+qint64 FindLargestId(const QByteArray& text)
+{
+  static const QRegularExpression id(QStringLiteral("\"(?:lastId|id)\"\\s*:\\s*([0-9]{1,15})(?![0-9])"));
+  qint64 largest = 0;
+  for (auto match = id.globalMatch(QString::fromLatin1(text)); match.hasNext();)
+    largest = qMax(largest, match.next().captured(1).toLongLong());
+  return largest;
 }
 
 QStringList ReadTexts(const QJsonValue& value)
@@ -81,23 +95,57 @@ State::~State()
     close(lockFile);
 }
 
-bool State::Lock()
+// False after the reason has been printed.
+bool State::OpenLock()
+{
+  const QString name = path + QStringLiteral(".lock");
+  const QByteArray file = name.toUtf8();
+  constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  lockFile = open(file.constData(), O_RDWR | O_CREAT | flags, 0600);
+  int error = lockFile < 0 ? errno : 0;
+  struct stat status = {};
+  const bool isThere = lstat(file.constData(), &status) == 0;
+  // On a read-only disk a lock from before serves as well.
+  if (error == EACCES || error == EPERM || error == EROFS || error == ENOENT)
+  {
+    if (!isThere)
+      return true;
+    lockFile = open(file.constData(), O_RDONLY | flags);
+    error = lockFile < 0 ? errno : 0;
+  }
+  if (isThere && !S_ISREG(status.st_mode))
+    PrintError(Texts::tr("%1 must be a regular file, for it is the scheduler's lock; remove it")
+                   .arg(ShowName(name)));
+  else if (error != 0)
+    PrintError(Texts::tr("cannot lock %1: %2").arg(ShowName(name), ShowReason(error)));
+  else
+    return true;
+  return false;
+}
+
+int State::Lock()
 {
   QDir().mkpath(QFileInfo(path).absolutePath());
-  const QByteArray name = path.toUtf8() + ".lock";
-  lockFile = open(name.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-  if (lockFile < 0)
-    return true;
+  if (!OpenLock())
+    return Failed;
   // A child that a killed scheduler had just made holds the lock until it becomes the program that it is to
   // run.
   const QDeadlineTimer patience(longestLockWait);
-  while (flock(lockFile, LOCK_EX | LOCK_NB) != 0)
+  while (lockFile >= 0 && flock(lockFile, LOCK_EX | LOCK_NB) != 0)
   {
-    if (errno != EINTR && (errno != EWOULDBLOCK || patience.hasExpired()))
-      return errno != EWOULDBLOCK;
-    usleep(betweenTries);
+    const int error = errno;
+    if (error == EINTR || (error == EWOULDBLOCK && !patience.hasExpired()))
+    {
+      usleep(betweenTries);
+      continue;
+    }
+    if (error == EWOULDBLOCK)
+      PrintError(Texts::tr("another scheduler of this user keeps its notices in %1").arg(ShowName(path)));
+    else
+      PrintError(Texts::tr("cannot lock %1: %2").arg(ShowName(path), ShowReason(error)));
+    return error == EWOULDBLOCK ? NameTaken : Failed;
   }
-  return true;
+  return Done;
 }
 
 void State::Load(bool isReadOnly)
@@ -117,14 +165,22 @@ void State::Load(bool isReadOnly)
   if (std::optional<Data> parsed = Parse(text))
     data = std::move(*parsed);
   else if (isKept)
-    SetAside();
+    SetAside(text);
 }
 
-void State::SetAside() const
+void State::SetAside(const QByteArray& damaged)
 {
+  data.lastId = FindLargestId(damaged);
   const QString aside = path + QStringLiteral(".damaged");
-  PrintError(Texts::tr("the state in %1 is damaged; it is kept as %2").arg(ShowName(path), ShowName(aside)));
-  rename(path.toUtf8().constData(), aside.toUtf8().constData());
+  isKept = rename(path.toUtf8().constData(), aside.toUtf8().constData()) == 0;
+  if (isKept)
+    PrintError(
+        Texts::tr("the state in %1 is damaged; it is kept as %2").arg(ShowName(path), ShowName(aside)));
+  else
+    PrintError(
+        Texts::tr(
+            "the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process")
+            .arg(ShowName(path), ShowReason(errno)));
 }
 
 std::optional<State::Data> State::Parse(const QByteArray& text)
@@ -177,12 +233,12 @@ bool State::Save()
 {
   if (isSaved || !isKept)
     return true;
+  // QSaveFile of Qt 5.15 does not look at whether its last bytes were written, nor whether they are on the
+  // disk.
+  const QByteArray text = Write();
   QSaveFile file(path);
-  const bool isOpen =
-      file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
-  if (isOpen)
-    file.write(Write());
-  isSaved = isOpen && file.commit();
+  isSaved = file.open(QIODevice::WriteOnly) && file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
+            file.write(text) == text.size() && file.flush() && fsync(file.handle()) == 0 && file.commit();
   if (!isSaved)
     ReportOnce(Texts::tr("cannot write %1: %2").arg(ShowName(path), ShowText(file.errorString())));
   else

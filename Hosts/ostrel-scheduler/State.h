@@ -17,7 +17,7 @@ namespace Ostrel
  * were. Kept in a file of mode 0600 that is replaced as a whole, under a lock that ends with the process.
  *
  * What the file holds is not trusted: what is no state is set aside, what is no notice is left out. A file
- * that cannot be read is left alone, and then nothing is kept.
+ * that cannot be read or set aside is left alone, and then nothing is kept.
  */
 class State
 {
@@ -29,11 +29,13 @@ public:
   State& operator=(const State&) = delete;
 
   /**
-   * Takes the lock, waiting for up to a second.
+   * Takes the lock, waiting for up to a second. Where nothing may be written and there is no lock, it goes on
+   * without: it cannot write the file either.
    *
-   * @return False when another scheduler holds it; where there can be no lock, true.
+   * @return Done; NameTaken when another scheduler holds the lock, Failed when it cannot be taken for another
+   *         reason. The reason has been printed.
    */
-  bool Lock();
+  int Lock();
 
   /** Reads the file; with @p isReadOnly nothing is ever written or set aside. */
   void Load(bool isReadOnly);
@@ -80,7 +82,8 @@ private:
 
   static std::optional<Data> Parse(const QByteArray& text);
   QByteArray Write() const;
-  void SetAside() const;
+  bool OpenLock();
+  void SetAside(const QByteArray& damaged);
   void ReportOnce(const QString& text);
 
   QString path;

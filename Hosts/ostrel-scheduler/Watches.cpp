@@ -14,6 +14,7 @@
 #include <QStorageInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <optional>
 #include <sys/statvfs.h>
 
@@ -30,6 +31,10 @@ constexpr qint64 pageSize = 4096;
 
 // A value that wavers about its limit is one event, not many: it has to come back by so much of the limit.
 constexpr qint64 marginPart = 20;
+
+// A folder of applications is reported under its path, which is never one of these.
+const QString diskPlace = QStringLiteral("disk:/");
+const QString trashPlace = QStringLiteral("trash:/");
 
 struct Space
 {
@@ -111,6 +116,14 @@ void Watches::Tell(Notices& notices, const Notice& notice)
   notices.append(state.Add(notice));
 }
 
+// Once, until the place can be looked at again.
+void Watches::Report(const QString& place, const QString& text)
+{
+  if (!reportedPlaces.contains(place))
+    PrintError(text);
+  reportedPlaces.insert(place);
+}
+
 // An event ends with its watch: who switches it on again wants to hear what is wrong.
 void Watches::FollowShortage(Notices& notices, const Notice& notice, qint64 total)
 {
@@ -132,9 +145,11 @@ void Watches::LookAtDisk(Notices& notices)
   const std::optional<Space> disk = FindSpace(options.disk);
   if (!disk)
   {
-    LOG(WARNING) << "Can't learn the free space of the disk of " << EscapeText(options.disk).constData();
+    Report(diskPlace,
+           Texts::tr("cannot look at the disk of %1: %2").arg(ShowName(options.disk), ShowReason(errno)));
     return;
   }
+  reportedPlaces.remove(diskPlace);
   findings.freeDiskSpace = disk->available;
   FollowShortage(
       notices,
@@ -182,11 +197,12 @@ void Watches::LookAtApplications(Notices& notices)
     const bool isFirstLook = former == state.Applications().constEnd();
     if (!present)
     {
-      LOG(WARNING) << "Can't look for applications in " << EscapeText(folder).constData();
+      Report(folder, Texts::tr("cannot look for applications in %1").arg(ShowName(folder)));
       if (!isFirstLook)
         known.insert(folder, *former);
       continue;
     }
+    reportedPlaces.remove(folder);
     known.insert(folder, *present);
     count += present->size();
     if (isFirstLook)
@@ -258,13 +274,11 @@ void Watches::EndTrash(Notices& notices)
   findings.trashSize.reset();
   if (trashWalk->Error() != 0)
   {
-    if (!isTrashReported)
-      PrintError(Texts::tr("cannot look into the trash %1: %2")
-                     .arg(ShowName(options.trash), ShowReason(trashWalk->Error())));
-    isTrashReported = true;
+    Report(trashPlace, Texts::tr("cannot look into the trash %1: %2")
+                           .arg(ShowName(options.trash), ShowReason(trashWalk->Error())));
     return;
   }
-  isTrashReported = false;
+  reportedPlaces.remove(trashPlace);
   if (trashWalk->SkippedFolders() > 0)
     LOG(WARNING) << "Folders in the trash that can't be looked into: " << trashWalk->SkippedFolders();
   const qint64 size = trashWalk->Size();

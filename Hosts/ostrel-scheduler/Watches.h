@@ -57,6 +57,7 @@ private:
   void EndTrash(Notices& notices);
   void FollowShortage(Notices& notices, const Notice& notice, qint64 total);
   void Tell(Notices& notices, const Notice& notice);
+  void Report(const QString& place, const QString& text);
 
   const SchedulerOptions& options;
   State& state;
@@ -64,7 +65,7 @@ private:
   SchedulerSettings settings;
   Findings findings;
   std::unique_ptr<TrashWalk> trashWalk;
-  bool isTrashReported = false;
+  QSet<QString> reportedPlaces; // that cannot be looked at
 };
 
 } // namespace Ostrel

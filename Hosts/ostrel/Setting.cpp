@@ -366,15 +366,6 @@ std::vector<std::unique_ptr<Setting>> MakeSettings()
 
 } // namespace
 
-bool Store::IsWritten()
-{
-  if (!file.isWritable())
-    return false;
-  // The library keeps what it could not write, and another look at the same store tries again.
-  file.sync();
-  return file.status() != QSettings::AccessError;
-}
-
 const std::vector<std::unique_ptr<Setting>>& GetSettings()
 {
   static const std::vector<std::unique_ptr<Setting>> settings = MakeSettings();

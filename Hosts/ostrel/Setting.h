@@ -14,11 +14,8 @@ namespace Ostrel
 struct Store
 {
   Tavrik::Cleaner::DaemonSettings settings;
-  // The texts have no getters, and the library tells no failures.
+  // The texts have no getters.
   QSettings file{QStringLiteral("tavrik"), QStringLiteral("ostrel2.scheduler")};
-
-  /** @return Whether the store could be written; false after a Set that was lost. */
-  bool IsWritten();
 };
 
 /** A value in its three forms. */

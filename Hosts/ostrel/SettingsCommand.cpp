@@ -10,7 +10,10 @@
 #include "Terminal.h"
 #include "Texts.h"
 
+#include <QFile>
 #include <QJsonArray>
+
+#include <functional>
 
 namespace Ostrel
 {
@@ -38,16 +41,31 @@ const Setting* Find(const std::string& name)
 
 QJsonObject ToJson(const Setting& setting, const Store& store)
 {
-  return {{QStringLiteral("name"), setting.Name()},
-          {QStringLiteral("key"), setting.Key()},
-          {QStringLiteral("value"), setting.Get(store).json},
-          {QStringLiteral("default"), setting.GetDefault().json}};
+  QJsonObject object{{QStringLiteral("name"), setting.Name()},
+                     {QStringLiteral("key"), setting.Key()},
+                     {QStringLiteral("value"), setting.Get(store).json},
+                     {QStringLiteral("default"), setting.GetDefault().json}};
+  const QMap<QString, QString> invalid = store.settings.InvalidValues();
+  if (invalid.contains(setting.Key()))
+    object.insert(QStringLiteral("stored"), invalid.value(setting.Key()));
+  return object;
 }
 
-int TellUnwritable(const Store& store)
+// Changes the store, and reports a change that could not be stored.
+int Change(const std::function<void(Store&)>& change)
 {
-  PrintError(Texts::tr("the settings cannot be written: %1").arg(ShowText(store.file.fileName())));
-  return NotPermitted;
+  Store store;
+  const bool isDamaged = store.settings.IsDamaged();
+  change(store);
+  const QString file = store.file.fileName();
+  if (!store.settings.Save())
+  {
+    PrintError(Texts::tr("the settings cannot be written: %1").arg(ShowText(file)));
+    return NotPermitted;
+  }
+  if (isDamaged && !store.settings.IsDamaged())
+    PrintError(Texts::tr("%1 was damaged; it is kept with \".damaged\" after its name").arg(ShowName(file)));
+  return Done;
 }
 
 // list ----------------------------------------------------------------------------------------------------
@@ -79,20 +97,35 @@ void PrintList(Output& output, const Store& store)
   Table table({{Texts::tr("Setting")},
                {Texts::tr("Value"), Table::Align::Left, true},
                {Texts::tr("Default"), Table::Align::Left}});
+  const QMap<QString, QString> invalid = store.settings.InvalidValues();
   for (const std::unique_ptr<Setting>& setting : GetSettings())
   {
-    const Value value = setting->Get(store);
+    Value value = setting->Get(store);
     const Value fallback = setting->GetDefault();
     const Table::Paint paint = value.json == fallback.json ? nullptr : &Style::Blue;
+    if (invalid.contains(setting->Key()))
+      value.text = Texts::tr("%1 (stored: %2)").arg(value.text, ShowName(invalid.value(setting->Key())));
     table.AddRow({setting->Name(), {value.text, paint}, fallback.text});
   }
   output.PrintTable(table);
   output.Print(Describe(GetReminder(store)).toUtf8(), {});
 }
 
+void ReportDamage(const Store& store)
+{
+  const QString file = store.file.fileName();
+  const QString kept = file + QStringLiteral(".damaged");
+  if (store.settings.IsDamaged())
+    PrintError(Texts::tr("%1 is damaged; the next change keeps it with \".damaged\" after its name")
+                   .arg(ShowName(file)));
+  else if (QFile::exists(kept))
+    PrintError(Texts::tr("the settings were damaged; what they were is in %1").arg(ShowName(kept)));
+}
+
 int RunList(const Arguments& arguments)
 {
   const Store store;
+  ReportDamage(store);
   Output output(arguments.json ? Format::Json : Format::Human);
   if (!output.IsJson())
   {
@@ -119,6 +152,10 @@ int RunGet(const Arguments& arguments)
   if (!setting)
     return WrongUsage;
   const Store store;
+  const QMap<QString, QString> invalid = store.settings.InvalidValues();
+  if (invalid.contains(setting->Key()))
+    PrintError(Texts::tr("%1 is stored as %2, which is not a value for it")
+                   .arg(setting->Key(), ShowName(invalid.value(setting->Key()))));
   Output output(arguments.json ? Format::Json : Format::Human);
   output.Print(EscapeText(setting->Get(store).input), ToJson(*setting, store));
   return output.Status();
@@ -130,26 +167,23 @@ int RunSet(const Arguments& arguments)
   const std::optional<QString> value = setting ? ToText(arguments.value) : std::nullopt;
   if (!value)
     return WrongUsage;
-  Store store;
-  if (!store.IsWritten())
-    return TellUnwritable(store);
-  if (!setting->Set(store, *value))
-  {
-    PrintError(Texts::tr("%1 is no value for %2, which takes %3")
-                   .arg(ShowName(*value), setting->Name(), setting->DescribeForms()));
-    return WrongUsage;
-  }
-  return store.IsWritten() ? Done : TellUnwritable(store);
+  bool isValue = false;
+  const int code = Change([&](Store& store) { isValue = setting->Set(store, *value); });
+  if (isValue)
+    return code;
+  PrintError(Texts::tr("%1 is no value for %2, which takes %3")
+                 .arg(ShowName(*value), setting->Name(), setting->DescribeForms()));
+  return WrongUsage;
 }
 
 int Unset(const QVector<const Setting*>& settings)
 {
-  Store store;
-  if (!store.IsWritten())
-    return TellUnwritable(store);
-  for (const Setting* setting : settings)
-    setting->Unset(store);
-  return store.IsWritten() ? Done : TellUnwritable(store);
+  return Change(
+      [&settings](Store& store)
+      {
+        for (const Setting* setting : settings)
+          setting->Unset(store);
+      });
 }
 
 int RunUnset(const Arguments& arguments)

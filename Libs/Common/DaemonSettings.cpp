@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 
 #include <array>
+#include <cmath>
 
 namespace Tavrik::Cleaner
 {
@@ -51,6 +52,41 @@ const Period* FindPeriod(DaemonSettings::RemindPeriod period)
 {
   const auto index = static_cast<unsigned int>(period);
   return index < periods.size() ? &periods[index] : nullptr;
+}
+
+// A property of the QSettings holds what could not be stored. QSettings::setValue() would keep it as well,
+// but sync(), the destructor and an event of QSettings would then write it, over the only copy of the store.
+const char* const unsavedProperty = "unsaved";
+
+bool IsFlag(const QVariant& value)
+{
+  static const QStringList flags{QStringLiteral("true"), QStringLiteral("false"), QStringLiteral("1"),
+                                 QStringLiteral("0")};
+  return flags.contains(value.toString(), Qt::CaseInsensitive);
+}
+
+bool IsSize(const QVariant& value)
+{
+  bool isNumber = false;
+  value.toLongLong(&isNumber);
+  return isNumber;
+}
+
+bool IsFraction(const QVariant& value)
+{
+  bool isNumber = false;
+  return std::isfinite(value.toFloat(&isNumber)) && isNumber;
+}
+
+bool IsDate(const QVariant& value)
+{
+  return value == QString() || QDate::fromString(value.toString(), Qt::ISODate).isValid();
+}
+
+bool IsPeriod(const QVariant& value)
+{
+  bool isNumber = false;
+  return FindPeriod(static_cast<DaemonSettings::RemindPeriod>(value.toInt(&isNumber))) && isNumber;
 }
 
 QString DateText(const QDate& date)
@@ -180,7 +216,7 @@ QPair<QDate, QDate> DaemonSettings::PrevNextEventDates() const
 {
   // Both texts come from one look at the store.
   const QString previous = Read(KeyPreviousRegularMaintenanceEvent, QString()).toString();
-  const QString next = settings.value(KeyNextRegularMaintenanceEvent, QString()).toString();
+  const QString next = Value(KeyNextRegularMaintenanceEvent).toString();
   if (next.isEmpty())
     return {};
   return {QDate::fromString(previous, Qt::ISODate), QDate::fromString(next, Qt::ISODate)};
@@ -188,12 +224,53 @@ QPair<QDate, QDate> DaemonSettings::PrevNextEventDates() const
 
 void DaemonSettings::WriteSettings(const QString& key, const QVariant& value)
 {
-  Platform::ChangeStore(settings.fileName(),
-                        [&]
-                        {
-                          settings.setValue(key, value);
-                          settings.sync();
-                        });
+  QVariantMap unsaved = Unsaved();
+  unsaved.insert(key, value);
+  settings.setProperty(unsavedProperty, unsaved);
+  Save();
+}
+
+bool DaemonSettings::Save()
+{
+  const QVariantMap unsaved = Unsaved();
+  if (!unsaved.isEmpty() && !Platform::WriteStore(settings, unsaved))
+    return false;
+  settings.setProperty(unsavedProperty, QVariant());
+  return true;
+}
+
+bool DaemonSettings::IsDamaged() const
+{
+  return Platform::IsStoreDamaged(settings);
+}
+
+QMap<QString, QString> DaemonSettings::InvalidValues() const
+{
+  struct Kind
+  {
+    const QString& key;
+    bool (*isValid)(const QVariant&);
+  };
+  const std::array<Kind, 11> kinds = {{{KeyNeedToWatchTrash, IsFlag},
+                                       {KeyNeedToWatchDiskSpace, IsFlag},
+                                       {KeyNeedToWatchRAM, IsFlag},
+                                       {KeyNeedToRemindAboutRegularMaintenance, IsFlag},
+                                       {KeyNeedToWatchApplicationRempve, IsFlag},
+                                       {KeyTrashSizeLimit, IsSize},
+                                       {KeyFreeDiskSpaceLimit, IsSize},
+                                       {KeyFreeRAMLimit, IsFraction},
+                                       {KeyPreviousRegularMaintenanceEvent, IsDate},
+                                       {KeyNextRegularMaintenanceEvent, IsDate},
+                                       {KeyregularMaintenanceRemindPeriod, IsPeriod}}};
+  settings.sync();
+  QMap<QString, QString> invalid;
+  for (const Kind& kind : kinds)
+  {
+    const QVariant value = Value(kind.key);
+    if ((settings.contains(kind.key) || value.isValid()) && !kind.isValid(value))
+      invalid.insert(kind.key, value.toStringList().join(QStringLiteral(", ")));
+  }
+  return invalid;
 }
 
 QString DaemonSettings::RemindPeriodToString(RemindPeriod period) const
@@ -211,10 +288,20 @@ QDate DaemonSettings::CalculateNextEventFromGiven(const QDate& date, RemindPerio
   return next > date ? next : QDate(); // QDate wraps round after its last year
 }
 
+QVariantMap DaemonSettings::Unsaved() const
+{
+  return settings.property(unsavedProperty).toMap();
+}
+
+QVariant DaemonSettings::Value(const QString& key, const QVariant& fallback) const
+{
+  return Unsaved().value(key, settings.value(key, fallback));
+}
+
 QVariant DaemonSettings::Read(const QString& key, const QVariant& fallback) const
 {
-  settings.sync();
-  return settings.value(key, fallback);
+  settings.sync(); // without a change of its own it only reads
+  return Value(key, fallback);
 }
 
 } // namespace Tavrik::Cleaner

@@ -3,6 +3,7 @@
 #include <Common/Export.h>
 
 #include <QDate>
+#include <QMap>
 #include <QPair>
 #include <QSettings>
 #include <QString>
@@ -40,9 +41,18 @@ extern TAVRIK_COMMON_EXPORT const QString KeyHelpUrl;                           
  * One user's settings, shared by every process of that user.
  *
  * A setter writes through to the store, a getter looks at the store again first, so instances of different
- * processes agree without telling each other. Writers wait for each other: for at most 5 s, usually for well
- * under a millisecond. Nothing throws and no error is reported: what is missing or unreadable reads as its
- * default, and a value that cannot be written is kept by this process and tried again with the next access.
+ * processes agree without notification. Writers wait for each other: usually for a few milliseconds, for
+ * about 5 s if a writer is stopped, and for up to 25 s if several others write at the same time meanwhile.
+ * Nothing throws: what is missing or unreadable reads as its default.
+ *
+ * A value that cannot be stored, because the disk is full or the file must not be written, is kept by this
+ * instance: its getter returns it, and the next setter and Save() try again to store it. It is lost when the
+ * instance is destroyed. Getters never write, and neither does the destructor.
+ *
+ * On Linux a write replaces the file as a whole and leaves it unchanged if anything fails. A damaged file,
+ * which holds anything that is not a setting, is kept before it is replaced: under its own name with
+ * ".damaged" after it, or ".damaged.2" and so on if there is one already. While that cannot be done it is not
+ * replaced.
  *
  * An instance is used by one thread at a time.
  */
@@ -77,7 +87,7 @@ public:
 
   /// @}
 
-  /// @name Setters; each writes to the store at once
+  /// @name Setters; each writes to the store at once; Save() says whether it could
   /// @{
 
   /** Any value is stored as it is. */
@@ -121,6 +131,23 @@ public:
   /** Writes any key of the store. */
   void WriteSettings(const QString& key, const QVariant& value);
 
+  /**
+   * Tries again to store what could not be stored. Blocks as a setter does.
+   *
+   * @return Whether the store holds all that was set with this instance.
+   */
+  bool Save();
+
+  /** @return Whether the store's file holds anything that is not a setting; never on macOS. */
+  bool IsDamaged() const;
+
+  /**
+   * @return The stored texts that are not values of their settings, by key: flags that are not "true",
+   * "false", 1 or 0, limits that are not finite numbers, dates, and periods outside the enumeration. A getter
+   *         converts such a text all the same, so a limit reads as 0.
+   */
+  QMap<QString, QString> InvalidValues() const;
+
   /** @return The period in the user's language; null for a value that is no period. */
   QString RemindPeriodToString(RemindPeriod period) const;
 
@@ -131,6 +158,8 @@ public:
   QDate CalculateNextEventFromGiven(const QDate& date, RemindPeriod period) const;
 
 private:
+  QVariantMap Unsaved() const;
+  QVariant Value(const QString& key, const QVariant& fallback = {}) const;
   QVariant Read(const QString& key, const QVariant& fallback) const;
 
   mutable QSettings settings; // a const getter has to look at the store again

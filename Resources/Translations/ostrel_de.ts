@@ -630,6 +630,54 @@
         <source>%1 (a stand-in)</source>
         <translation>%1 (ein Ersatz)</translation>
     </message>
+    <message>
+        <source>%1 was damaged; it is kept with &quot;.damaged&quot; after its name</source>
+        <translation>%1 war beschädigt; die Datei wird mit „.damaged“ am Ende ihres Namens aufgehoben</translation>
+    </message>
+    <message>
+        <source>%1 (stored: %2)</source>
+        <translation>%1 (gespeichert: %2)</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; the next change keeps it with &quot;.damaged&quot; after its name</source>
+        <translation>%1 ist beschädigt; die nächste Änderung hebt die Datei mit „.damaged“ am Ende ihres Namens auf</translation>
+    </message>
+    <message>
+        <source>the settings were damaged; what they were is in %1</source>
+        <translation>die Einstellungen waren beschädigt; ihr damaliger Inhalt steht in %1</translation>
+    </message>
+    <message>
+        <source>%1 is stored as %2, which is not a value for it</source>
+        <translation>%1 ist als %2 gespeichert; das ist kein Wert dafür</translation>
+    </message>
+    <message>
+        <source>--state: %1 is a folder; name a file</source>
+        <translation>--state: %1 ist ein Ordner; eine Datei angeben</translation>
+    </message>
+    <message>
+        <source>--trash: %1 does not exist; it counts as empty</source>
+        <translation>--trash: %1 gibt es nicht; das gilt als leerer Papierkorb</translation>
+    </message>
+    <message>
+        <source>%1 must be a regular file, for it is the scheduler&apos;s lock; remove it</source>
+        <translation>%1 muss eine gewöhnliche Datei sein, denn sie ist die Sperre des Schedulers; bitte entfernen</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: %2</source>
+        <translation>%1 lässt sich nicht sperren: %2</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process</source>
+        <translation>der Zustand in %1 ist beschädigt und lässt sich nicht umbenennen: %2; Hinweise überdauern diesen Prozess nicht</translation>
+    </message>
+    <message>
+        <source>cannot look at the disk of %1: %2</source>
+        <translation>kann den Datenträger von %1 nicht ansehen: %2</translation>
+    </message>
+    <message>
+        <source>cannot look for applications in %1</source>
+        <translation>kann in %1 nicht nach Programmen suchen</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -630,6 +630,54 @@
         <source>%1 (a stand-in)</source>
         <translation>%1 (un sustituto)</translation>
     </message>
+    <message>
+        <source>%1 was damaged; it is kept with &quot;.damaged&quot; after its name</source>
+        <translation>%1 estaba dañado; se conserva con «.damaged» al final del nombre</translation>
+    </message>
+    <message>
+        <source>%1 (stored: %2)</source>
+        <translation>%1 (almacenado: %2)</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; the next change keeps it with &quot;.damaged&quot; after its name</source>
+        <translation>%1 está dañado; el próximo cambio lo conserva con «.damaged» al final del nombre</translation>
+    </message>
+    <message>
+        <source>the settings were damaged; what they were is in %1</source>
+        <translation>los ajustes estaban dañados; su contenido anterior está en %1</translation>
+    </message>
+    <message>
+        <source>%1 is stored as %2, which is not a value for it</source>
+        <translation>%1 está almacenado como %2, que no es un valor válido</translation>
+    </message>
+    <message>
+        <source>--state: %1 is a folder; name a file</source>
+        <translation>--state: %1 es una carpeta; indique un archivo</translation>
+    </message>
+    <message>
+        <source>--trash: %1 does not exist; it counts as empty</source>
+        <translation>--trash: %1 no existe; se considera vacía</translation>
+    </message>
+    <message>
+        <source>%1 must be a regular file, for it is the scheduler&apos;s lock; remove it</source>
+        <translation>%1 debe ser un archivo normal, pues es el bloqueo del planificador; elimínelo</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: %2</source>
+        <translation>no se puede bloquear %1: %2</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process</source>
+        <translation>el estado en %1 está dañado y no se puede cambiar de nombre: %2; los avisos no sobrevivirán a este proceso</translation>
+    </message>
+    <message>
+        <source>cannot look at the disk of %1: %2</source>
+        <translation>no se puede mirar el disco de %1: %2</translation>
+    </message>
+    <message>
+        <source>cannot look for applications in %1</source>
+        <translation>no se pueden buscar aplicaciones en %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -630,6 +630,54 @@
         <source>%1 (a stand-in)</source>
         <translation>%1 (un remplaçant)</translation>
     </message>
+    <message>
+        <source>%1 was damaged; it is kept with &quot;.damaged&quot; after its name</source>
+        <translation>%1 était endommagé ; le fichier est conservé avec « .damaged » à la fin de son nom</translation>
+    </message>
+    <message>
+        <source>%1 (stored: %2)</source>
+        <translation>%1 (enregistré : %2)</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; the next change keeps it with &quot;.damaged&quot; after its name</source>
+        <translation>%1 est endommagé ; la prochaine modification conserve le fichier avec « .damaged » à la fin de son nom</translation>
+    </message>
+    <message>
+        <source>the settings were damaged; what they were is in %1</source>
+        <translation>les réglages étaient endommagés ; leur ancien contenu se trouve dans %1</translation>
+    </message>
+    <message>
+        <source>%1 is stored as %2, which is not a value for it</source>
+        <translation>%1 est enregistré comme %2, ce qui n&apos;est pas une valeur valable</translation>
+    </message>
+    <message>
+        <source>--state: %1 is a folder; name a file</source>
+        <translation>--state : %1 est un dossier ; indiquez un fichier</translation>
+    </message>
+    <message>
+        <source>--trash: %1 does not exist; it counts as empty</source>
+        <translation>--trash : %1 n&apos;existe pas ; la corbeille est considérée comme vide</translation>
+    </message>
+    <message>
+        <source>%1 must be a regular file, for it is the scheduler&apos;s lock; remove it</source>
+        <translation>%1 doit être un fichier ordinaire, car c&apos;est le verrou du planificateur ; supprimez-le</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: %2</source>
+        <translation>impossible de verrouiller %1 : %2</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process</source>
+        <translation>l&apos;état dans %1 est endommagé et ne peut pas être renommé : %2 ; les avis ne survivront pas à ce processus</translation>
+    </message>
+    <message>
+        <source>cannot look at the disk of %1: %2</source>
+        <translation>impossible d&apos;examiner le disque de %1 : %2</translation>
+    </message>
+    <message>
+        <source>cannot look for applications in %1</source>
+        <translation>impossible de chercher des applications dans %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -630,6 +630,54 @@
         <source>%1 (a stand-in)</source>
         <translation>%1 (代用)</translation>
     </message>
+    <message>
+        <source>%1 was damaged; it is kept with &quot;.damaged&quot; after its name</source>
+        <translation>%1 は壊れていました。名前の末尾に「.damaged」を付けて残しました</translation>
+    </message>
+    <message>
+        <source>%1 (stored: %2)</source>
+        <translation>%1 (保存値: %2)</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; the next change keeps it with &quot;.damaged&quot; after its name</source>
+        <translation>%1 は壊れています。次の変更のときに、名前の末尾に「.damaged」を付けて残します</translation>
+    </message>
+    <message>
+        <source>the settings were damaged; what they were is in %1</source>
+        <translation>設定は壊れていました。以前の内容は %1 にあります</translation>
+    </message>
+    <message>
+        <source>%1 is stored as %2, which is not a value for it</source>
+        <translation>%1 には %2 が保存されていますが、有効な値ではありません</translation>
+    </message>
+    <message>
+        <source>--state: %1 is a folder; name a file</source>
+        <translation>--state: %1 はフォルダーです。ファイルを指定してください</translation>
+    </message>
+    <message>
+        <source>--trash: %1 does not exist; it counts as empty</source>
+        <translation>--trash: %1 は存在しません。空とみなします</translation>
+    </message>
+    <message>
+        <source>%1 must be a regular file, for it is the scheduler&apos;s lock; remove it</source>
+        <translation>%1 はスケジューラーのロックなので、通常のファイルでなければなりません。削除してください</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: %2</source>
+        <translation>%1 をロックできません: %2</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process</source>
+        <translation>%1 の状態は壊れていて、名前を変更できません: %2。通知はこのプロセスが終わると失われます</translation>
+    </message>
+    <message>
+        <source>cannot look at the disk of %1: %2</source>
+        <translation>%1 のディスクを確認できません: %2</translation>
+    </message>
+    <message>
+        <source>cannot look for applications in %1</source>
+        <translation>%1 の中のアプリケーションを探せません</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

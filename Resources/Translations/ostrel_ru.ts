@@ -630,6 +630,54 @@
         <source>%1 (a stand-in)</source>
         <translation>%1 (замена)</translation>
     </message>
+    <message>
+        <source>%1 was damaged; it is kept with &quot;.damaged&quot; after its name</source>
+        <translation>файл %1 был повреждён; он сохранён с «.damaged» в конце имени</translation>
+    </message>
+    <message>
+        <source>%1 (stored: %2)</source>
+        <translation>%1 (записано: %2)</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; the next change keeps it with &quot;.damaged&quot; after its name</source>
+        <translation>файл %1 повреждён; при следующем изменении он будет сохранён с «.damaged» в конце имени</translation>
+    </message>
+    <message>
+        <source>the settings were damaged; what they were is in %1</source>
+        <translation>настройки были повреждены; их прежнее содержимое находится в %1</translation>
+    </message>
+    <message>
+        <source>%1 is stored as %2, which is not a value for it</source>
+        <translation>для %1 записано %2; это недопустимое значение</translation>
+    </message>
+    <message>
+        <source>--state: %1 is a folder; name a file</source>
+        <translation>--state: %1 — это папка; укажите файл</translation>
+    </message>
+    <message>
+        <source>--trash: %1 does not exist; it counts as empty</source>
+        <translation>--trash: папки %1 не существует; корзина считается пустой</translation>
+    </message>
+    <message>
+        <source>%1 must be a regular file, for it is the scheduler&apos;s lock; remove it</source>
+        <translation>%1 должен быть обычным файлом, так как это блокировка планировщика; удалите его</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: %2</source>
+        <translation>не удаётся заблокировать %1: %2</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process</source>
+        <translation>состояние в %1 повреждено, и его не удаётся переименовать: %2; уведомления не переживут этот процесс</translation>
+    </message>
+    <message>
+        <source>cannot look at the disk of %1: %2</source>
+        <translation>не удаётся проверить диск %1: %2</translation>
+    </message>
+    <message>
+        <source>cannot look for applications in %1</source>
+        <translation>не удаётся искать программы в %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

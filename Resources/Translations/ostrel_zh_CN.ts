@@ -630,6 +630,54 @@
         <source>%1 (a stand-in)</source>
         <translation>%1（替代品）</translation>
     </message>
+    <message>
+        <source>%1 was damaged; it is kept with &quot;.damaged&quot; after its name</source>
+        <translation>%1 已损坏；已在其名称后加上“.damaged”保留</translation>
+    </message>
+    <message>
+        <source>%1 (stored: %2)</source>
+        <translation>%1（存储值：%2）</translation>
+    </message>
+    <message>
+        <source>%1 is damaged; the next change keeps it with &quot;.damaged&quot; after its name</source>
+        <translation>%1 已损坏；下次更改时会在其名称后加上“.damaged”保留</translation>
+    </message>
+    <message>
+        <source>the settings were damaged; what they were is in %1</source>
+        <translation>设置曾经损坏；原来的内容保存在 %1 中</translation>
+    </message>
+    <message>
+        <source>%1 is stored as %2, which is not a value for it</source>
+        <translation>%1 存储的是 %2，这不是有效的值</translation>
+    </message>
+    <message>
+        <source>--state: %1 is a folder; name a file</source>
+        <translation>--state：%1 是文件夹；请指定文件</translation>
+    </message>
+    <message>
+        <source>--trash: %1 does not exist; it counts as empty</source>
+        <translation>--trash：%1 不存在；视为空</translation>
+    </message>
+    <message>
+        <source>%1 must be a regular file, for it is the scheduler&apos;s lock; remove it</source>
+        <translation>%1 是计划程序的锁，必须是普通文件；请将其删除</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: %2</source>
+        <translation>无法锁定 %1：%2</translation>
+    </message>
+    <message>
+        <source>the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process</source>
+        <translation>%1 中的状态已损坏且无法重命名：%2；通知将随此进程结束而丢失</translation>
+    </message>
+    <message>
+        <source>cannot look at the disk of %1: %2</source>
+        <translation>无法查看 %1 所在的磁盘：%2</translation>
+    </message>
+    <message>
+        <source>cannot look for applications in %1</source>
+        <translation>无法在 %1 中查找应用程序</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -26,9 +26,10 @@
 namespace
 {
 
-constexpr std::array<const char*, 20> names = {
-    "open",   "write",  "rename", "unlink", "chmod", "mkdir", "flock",  "socket", "connect",   "bind",
-    "listen", "accept", "read",   "recv",   "send",  "fork",  "execve", "stat",   "getgroups", "pipe"};
+constexpr std::array<const char*, 21> names = {"open",      "write",  "rename",  "unlink", "chmod",  "mkdir",
+                                               "flock",     "socket", "connect", "bind",   "listen", "accept",
+                                               "read",      "recv",   "send",    "fork",   "execve", "stat",
+                                               "getgroups", "pipe",   "fsync"};
 
 struct Shared
 {
@@ -138,6 +139,8 @@ extern "C"
   INTERPOSE(int, chmod, "chmod", (const char* path, mode_t mode), (path, mode))
   INTERPOSE(int, fchmod, "chmod", (int file, mode_t mode), (file, mode))
   INTERPOSE(int, mkdir, "mkdir", (const char* path, mode_t mode), (path, mode))
+  INTERPOSE(int, fsync, "fsync", (int file), (file))
+  INTERPOSE(int, fdatasync, "fsync", (int file), (file))
   INTERPOSE(int, flock, "flock", (int file, int operation), (file, operation))
   INTERPOSE(int, socket, "socket", (int domain, int type, int protocol), (domain, type, protocol))
   INTERPOSE(int, socketpair, "socket", (int domain, int type, int protocol, int* ends),

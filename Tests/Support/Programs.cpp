@@ -8,12 +8,15 @@
 #include <QFile>
 #include <QThread>
 
+#include <algorithm>
+#include <fcntl.h>
 #include <fstream>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <sched.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #endif
 
@@ -77,4 +80,28 @@ void BecomeUser()
   // A process that has changed its user may not look into itself otherwise.
   ASSERT_EQ(0, prctl(PR_SET_DUMPABLE, 1));
 #endif
+}
+
+bool MountSmallDisk(const QString& folder)
+{
+  QDir().mkpath(folder);
+#ifdef __linux__
+  return BecomeRoot() && unshare(CLONE_NEWNS) == 0 &&
+         mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, "size=64k,mode=0755") == 0;
+#else
+  return false;
+#endif
+}
+
+void FillDisk(const QString& folder, qint64 freeBytes)
+{
+  const int file =
+      open(QFile::encodeName(folder + "/filler").constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_GE(file, 0);
+  off_t size = lseek(file, 0, SEEK_END);
+  for (ssize_t count = 1; count > 0; size += std::max<ssize_t>(count, 0))
+    count = write(file, "filler.", 1);
+  EXPECT_EQ(0, ftruncate(file, std::max<off_t>(0, size - freeBytes)));
+  close(file);
 }

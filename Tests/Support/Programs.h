@@ -26,3 +26,13 @@ bool BecomeRoot();
 /** Makes this process, where it is root, somebody else, and hands its home and temporary folder over to them.
  */
 void BecomeUser();
+
+/**
+ * Mounts an empty disk of 64 KiB on @p folder, which is made. This process and its children alone see it.
+ *
+ * @return Whether it is there; the machine may forbid that.
+ */
+bool MountSmallDisk(const QString& folder);
+
+/** Fills the disk of @p folder, by a file "filler" there, but for @p freeBytes. */
+void FillDisk(const QString& folder, qint64 freeBytes);

@@ -1,20 +1,21 @@
 #pragma once
 
-#include <QString>
+#include <QSettings>
+#include <QVariant>
 
-#include <functional>
-
-/** @file Seam: what it takes beside QSettings that processes which write one store lose nothing. */
+/** @file Seam: writing a store that several processes read and write. */
 namespace Tavrik::Platform
 {
 
 /**
- * Runs a change of a store, its QSettings::sync() included, while no other process's change is under way, and
- * sees to it that every other process takes what was written for new.
+ * Stores @p changes, all or none of them, so that every other process takes what was written for new. Blocks
+ * for about 5 s while a writer is stopped, for up to 25 s if several others write at the same time meanwhile.
  *
- * @param fileName The store's QSettings::fileName.
- * @param change   Called exactly once, after at most 5 s.
+ * @return Whether they are stored. If not, the store holds what it held.
  */
-void ChangeStore(const QString& fileName, const std::function<void()>& change);
+bool WriteStore(const QSettings& store, const QVariantMap& changes);
+
+/** @return Whether the store's file holds anything that is not a setting. Writes nothing. */
+bool IsStoreDamaged(const QSettings& store);
 
 } // namespace Tavrik::Platform
