@@ -173,6 +173,7 @@ void State::SetAside(const QByteArray& damaged)
   data.lastId = FindLargestId(damaged);
   const QString aside = path + QStringLiteral(".damaged");
   isKept = rename(path.toUtf8().constData(), aside.toUtf8().constData()) == 0;
+  const int error = errno;
   if (isKept)
     PrintError(
         Texts::tr("the state in %1 is damaged; it is kept as %2").arg(ShowName(path), ShowName(aside)));
@@ -180,7 +181,7 @@ void State::SetAside(const QByteArray& damaged)
     PrintError(
         Texts::tr(
             "the state in %1 is damaged and cannot be renamed: %2; notices will not outlive this process")
-            .arg(ShowName(path), ShowReason(errno)));
+            .arg(ShowName(path), ShowReason(error)));
 }
 
 std::optional<State::Data> State::Parse(const QByteArray& text)

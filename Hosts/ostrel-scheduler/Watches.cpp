@@ -143,10 +143,11 @@ void Watches::LookAtDisk(Notices& notices)
     return;
   }
   const std::optional<Space> disk = FindSpace(options.disk);
+  const int error = errno;
   if (!disk)
   {
     Report(diskPlace,
-           Texts::tr("cannot look at the disk of %1: %2").arg(ShowName(options.disk), ShowReason(errno)));
+           Texts::tr("cannot look at the disk of %1: %2").arg(ShowName(options.disk), ShowReason(error)));
     return;
   }
   reportedPlaces.remove(diskPlace);

@@ -190,23 +190,29 @@ QStringList PlainKeys(const QSettings& settings)
   return settings.allKeys().filter(plain);
 }
 
-// QSaveFile may have written only a part.
-bool IsComplete(const QString& written, const QStringList& keys)
+bool HasKeys(const QString& file, const QStringList& keys)
 {
-  const QStringList present = PlainKeys(QSettings(written, QSettings::NativeFormat));
+  const QStringList present = PlainKeys(QSettings(file, QSettings::NativeFormat));
   return std::all_of(keys.begin(), keys.end(), [&](const QString& key) { return present.contains(key); });
 }
 
-// The text of a store after the changes; nothing when it cannot be made.
+// The text of a store after the changes; nothing when it cannot be made. QSettings reports neither a read
+// that failed nor a file that was written only in part. It remembers a file under its name, so that each look
+// at what the file holds takes a new name.
 std::optional<QByteArray> Format(const QByteArray& former, const QVariantMap& changes,
                                  const QTemporaryDir& folder)
 {
+  const QString copy = folder.filePath(QStringLiteral("copy"));
   const QString scratch = folder.filePath(QStringLiteral("scratch"));
+  const QString written = folder.filePath(QStringLiteral("written"));
   {
-    QFile file(scratch);
+    QFile file(copy);
     if (!WriteWhole(file, former))
       return std::nullopt;
   }
+  const QStringList formerKeys = PlainKeys(QSettings(copy, QSettings::NativeFormat));
+  if (!Rename(copy, scratch))
+    return std::nullopt;
   // A status stays what its first error made it, so another object takes the errors of the format.
   const QSettings reader(scratch, QSettings::NativeFormat);
   (void)reader.allKeys();
@@ -214,12 +220,10 @@ std::optional<QByteArray> Format(const QByteArray& former, const QVariantMap& ch
   for (auto change = changes.begin(); change != changes.end(); ++change)
     writer.setValue(change.key(), change.value());
   writer.sync();
-  // Under its own name the file is remembered by QSettings, not read.
-  const QString written = folder.filePath(QStringLiteral("written"));
   if (writer.status() != QSettings::NoError || !Rename(scratch, written))
     return std::nullopt;
   const std::optional<QByteArray> text = ReadWhole(written);
-  return text && IsWhole(*text) && IsComplete(written, PlainKeys(writer)) ? text : std::nullopt;
+  return text && IsWhole(*text) && HasKeys(written, formerKeys + PlainKeys(writer)) ? text : std::nullopt;
 }
 
 bool Replace(const QString& store, const QVariantMap& changes, const QTemporaryDir& attempt)
