@@ -55,11 +55,14 @@ bool BecomeRoot()
   if (geteuid() == 0)
     return true;
 #ifdef __linux__
-  const std::string line = "0 " + std::to_string(getuid()) + " 1";
+  const std::string user = "0 " + std::to_string(getuid()) + " 1";
+  const std::string group =
+      "0 " + std::to_string(getgid()) + " 1"; // without it no file of ours could be made
   if (unshare(CLONE_NEWUSER) != 0)
     return false;
   std::ofstream("/proc/self/setgroups") << "deny";
-  std::ofstream("/proc/self/uid_map") << line;
+  std::ofstream("/proc/self/uid_map") << user;
+  std::ofstream("/proc/self/gid_map") << group;
 #endif
   return geteuid() == 0;
 }
