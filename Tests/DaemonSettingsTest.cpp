@@ -492,7 +492,7 @@ TEST_P(FullDisk, KeepsWhatIsStoredWhateverIsReadAndAChangeUntilItCanBeWritten)
 
 INSTANTIATE_TEST_SUITE_P(Pages, FullDisk, testing::Range(0, 6));
 
-TEST(DaemonSettings, SaySaveWhetherAllIsStored)
+TEST(DaemonSettings, SaveReturnsWhetherAllIsStored)
 {
   const QString file = OpenStore()->fileName();
   QDir().mkpath(file); // a folder in the file's place
@@ -507,7 +507,7 @@ TEST(DaemonSettings, SaySaveWhetherAllIsStored)
   EXPECT_THAT(StoreLines(), Contains("FREE_DISK_SPACE_LIMIT=8"));
 }
 
-TEST(DaemonSettings, AreWrittenAlthoughAWriterIsStoppedAndKeptWhenItGoesOn)
+TEST(DaemonSettings, StoppedWriterNeitherBlocksOthersNorUndoesTheirChanges)
 {
   DaemonSettings().SetNeedToWatchRAMFlag(false);
   const pid_t stopped = StartProcess(
@@ -539,7 +539,7 @@ TEST(DaemonSettings, AreWrittenAlthoughAWriterIsStoppedAndKeptWhenItGoesOn)
   EXPECT_EQ(StoreFiles().size(), 1) << StoreFiles().join(' ').toStdString();
 }
 
-TEST(DaemonSettings, AreWholeAfterAWriterWasKilledAndTheNextWriteTidiesUp)
+TEST(DaemonSettings, KilledWriterLosesNothingAndLeavesNothingAfterTheNextWrite)
 {
   DaemonSettings().SetFreeDiskSpaceLimit(6);
   const pid_t stopped = StartProcess(
@@ -560,7 +560,7 @@ TEST(DaemonSettings, AreWholeAfterAWriterWasKilledAndTheNextWriteTidiesUp)
   EXPECT_EQ(StoreFiles().size(), 1) << StoreFiles().join(' ').toStdString();
 }
 
-TEST(DaemonSettings, OfAFormerFileBesideACutOffOneAreRestoredByTheNextWrite)
+TEST(DaemonSettings, NextWriteRestoresAFormerFileBesideACutOffOne)
 {
   const QByteArray former = "[General]\nTRASH_SIZE_LIMIT=7\nFREE_DISK_SPACE_LIMIT=8\n";
   for (const char* const cutOff : {"", "[Gen", "[General]\nTRASH_SIZE_LI"})
@@ -575,7 +575,7 @@ TEST(DaemonSettings, OfAFormerFileBesideACutOffOneAreRestoredByTheNextWrite)
     }
 }
 
-TEST(DaemonSettings, OfAFormerFileBesideAWholeOneAreDropped)
+TEST(DaemonSettings, NextWriteRemovesAFormerFileBesideAWholeOne)
 {
   WriteStoreFile("[General]\nTRASH_SIZE_LIMIT=5\n");
   WriteText(OpenStore()->fileName() + ".former", "[General]\nTRASH_SIZE_LIMIT=7\nFREE_DISK_SPACE_LIMIT=8\n");
@@ -592,7 +592,7 @@ const QList<QByteArray> damagedStores = {"nonsense",
                                          QByteArray(100, '\0'),
                                          QByteArray("\0\xff[[[=\n]%x=\\x\n\"", 15).repeated(100)};
 
-TEST(DaemonSettings, OfADamagedStoreAreKeptBeforeTheFirstWrite)
+TEST(DaemonSettings, FirstWriteKeepsADamagedFile)
 {
   const QString file = OpenStore()->fileName();
   int number = 0;
@@ -610,7 +610,7 @@ TEST(DaemonSettings, OfADamagedStoreAreKeptBeforeTheFirstWrite)
   }
 }
 
-TEST(DaemonSettings, ThatAreDamagedAreReported)
+TEST(DaemonSettings, IsDamagedReportsWhatIsNotASetting)
 {
   EXPECT_FALSE(DaemonSettings().IsDamaged());
   for (const char* const sound :
@@ -630,7 +630,7 @@ TEST(DaemonSettings, ThatAreDamagedAreReported)
   EXPECT_FALSE(settings.IsDamaged());
 }
 
-TEST(DaemonSettings, ThatAreNoValuesAreReportedWithTheirText)
+TEST(DaemonSettings, InvalidValuesReturnsTheStoredTexts)
 {
   DaemonSettings settings;
   EXPECT_THAT(settings.InvalidValues(), IsEmpty());
@@ -654,7 +654,7 @@ TEST(DaemonSettings, ThatAreNoValuesAreReportedWithTheirText)
   EXPECT_EQ(settings.GetTrashSizeLimit(), 0);
 }
 
-TEST(DaemonSettings, OfALinkedFileStayBehindTheLink)
+TEST(DaemonSettings, LinkToTheFileStaysALink)
 {
   const QString target = QDir::homePath() + "/elsewhere.conf";
   WriteText(target, "[General]\nTRASH_SIZE_LIMIT=5\n");
