@@ -1,6 +1,7 @@
 #include <Common/Firewall.cpp>
 #include <Common/Platform/PrivilegedLauncher.h>
 
+#include "Support/Copies.h"
 #include "Support/FakeFirewall.h"
 #include "Support/LogCapture.h"
 #include "Support/Programs.h"
@@ -61,6 +62,7 @@ protected:
   {
     ASSERT_TRUE(QDir().mkpath(Path("Scripts")));
     ASSERT_TRUE(QDir().mkpath(Path("launchers")));
+    CopyForOthers({FakeFirewall::program});
     tool = std::make_unique<FakeFirewall>(Path("tool"));
     filewallFileName = tool->Path();
     launchers = QFile::encodeName(Path("launchers"));

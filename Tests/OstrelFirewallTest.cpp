@@ -5,6 +5,7 @@
 #include "ExitCodes.h"
 #include "StandIns.h"
 #include "Support/Child.h"
+#include "Support/Copies.h"
 #include "Support/FakeFirewall.h"
 #include "Support/HostProcess.h"
 #include "Support/Programs.h"
@@ -268,9 +269,12 @@ TEST_F(OstrelFirewallTest, WithoutAuthorisationNothingIsChanged)
         ASSERT_TRUE(QDir().mkpath("/run/wrappers/bin"));
         ASSERT_TRUE(QDir().mkpath("/run/t"));
         ASSERT_EQ(0, chmod("/run/t", 01777));
+        CopyForOthers({OSTREL, commonLibrary, FakeFirewall::program});
         qputenv("TMPDIR", "/run/t");
         qputenv("HOME", "/run/t");
-        const auto tryIt = []
+        ASSERT_EQ(0, mkdir("/usr/libexec/ApplicationFirewall", 0755));
+        FakeFirewall tool{QLatin1String(systemTool)};
+        const auto tryIt = [&]
         {
           const Outcome human = RunVerb({"set", "stealth=on"});
           EXPECT_EQ(NotAuthorised, human.code) << human.err.toStdString();
@@ -280,7 +284,7 @@ TEST_F(OstrelFirewallTest, WithoutAuthorisationNothingIsChanged)
           EXPECT_EQ("{\"differences\":[],\"outcome\":\"not-authorised\",\"plan\":[{\"action\":\"set\",\"on\":"
                     "true,\"switch\":\"stealth\"}]}\n",
                     outcome.out);
-          EXPECT_FALSE(QFile::exists(keptState));
+          EXPECT_TRUE(tool.Calls().empty());
         };
         // A dialog that is dismissed, and one where the password was wrong.
         for (const char* script : {"exit 126\n", "echo 'Not authorized' >&2\nexit 127\n"})

@@ -1,6 +1,7 @@
 // Drives "ostrel settings" over a store of the test's own.
 
 #include "ExitCodes.h"
+#include "Support/Copies.h"
 #include "Support/HostProcess.h"
 #include "Support/Programs.h"
 #include "Support/PseudoTerminal.h"
@@ -305,6 +306,7 @@ TEST(Settings, StoreThatCannotBeWrittenLosesNothing)
   EXPECT_EQ(RunSettings({"set", "trash-size-limit", "7"}).code, Done);
   const QByteArray before = ReadText(GetStorePath());
   const QByteArray folder = QFile::encodeName(QFileInfo(GetStorePath()).path());
+  CopyForOthers({OSTREL, commonLibrary});
   BecomeUser();
   ASSERT_EQ(chmod(QFile::encodeName(GetStorePath()).constData(), 0400), 0);
   ASSERT_EQ(chmod(folder.constData(), 0500), 0);

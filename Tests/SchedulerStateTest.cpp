@@ -1,6 +1,7 @@
 // What outlives a scheduler, and what becomes of a state that is not its own.
 
 #include "SchedulerFixture.h"
+#include "Support/Copies.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -206,6 +207,7 @@ TEST_F(Keeping, StateThatIsNoFileIsLeftAlone)
 
 TEST_F(Keeping, AsAPlainUserWithoutAPlaceToWriteItTellsAllTheSame)
 {
+  CopyForOthers({OSTREL_SCHEDULER, commonLibrary});
   BecomeUser();
   WantAllMemory();
   const QByteArray folder = QFile::encodeName(home + "/state");

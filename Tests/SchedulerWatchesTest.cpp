@@ -1,6 +1,7 @@
 // What the scheduler sees, in real folders, and when it says so.
 
 #include "SchedulerFixture.h"
+#include "Support/Copies.h"
 #include "TrashWalk.h"
 
 #include <QDate>
@@ -251,6 +252,7 @@ TEST_F(Watching, SaysOnceThatItCannotLookIntoTheTrash)
 
 TEST_F(Watching, AsAPlainUserCountsWhatItCanRead)
 {
+  CopyForOthers({OSTREL_SCHEDULER, commonLibrary});
   BecomeUser();
   settings.SetNeedToWatchTrashFlag(true);
   QDir().mkpath(trash + "/closed");

@@ -1,5 +1,6 @@
 #include "Support/FakeFirewall.h"
 
+#include "Support/Copies.h"
 #include "Support/Programs.h"
 
 #include <gtest/gtest.h>
@@ -13,9 +14,11 @@ bool FakeFirewall::State::operator==(const State& other) const
          applications == other.applications;
 }
 
+const char* const FakeFirewall::program = TAVRIK_FAKE_FIREWALL_TOOL;
+
 FakeFirewall::FakeFirewall(const QString& path) : path(path)
 {
-  EXPECT_TRUE(QFile::link(QStringLiteral(TAVRIK_FAKE_FIREWALL_TOOL), path)) << qPrintable(path);
+  EXPECT_TRUE(QFile::link(FindCopy(program), path)) << qPrintable(path);
   Set({});
 }
 

@@ -29,6 +29,8 @@ public:
   };
   using Call = std::vector<std::string>;
 
+  static const char* const program; ///< What a test that becomes another user passes to CopyForOthers().
+
   /** @param path Where the tool shall be found. */
   explicit FakeFirewall(const QString& path);
   ~FakeFirewall();

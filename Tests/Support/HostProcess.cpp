@@ -1,5 +1,6 @@
 #include "Support/HostProcess.h"
 
+#include "Support/Copies.h"
 #include "Support/Programs.h"
 
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ bool HasFields(const QJsonObject& event, const QJsonObject& fields)
 
 HostProcess::HostProcess(const QString& program, const QStringList& arguments)
 {
-  setProgram(program);
+  setProgram(FindCopy(program));
   setArguments(arguments);
 }
 
