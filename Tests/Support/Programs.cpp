@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <fcntl.h>
 #include <fstream>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 #ifdef __linux__
@@ -55,14 +54,13 @@ bool BecomeRoot()
   if (geteuid() == 0)
     return true;
 #ifdef __linux__
-  const std::string user = "0 " + std::to_string(getuid()) + " 1";
-  const std::string group =
-      "0 " + std::to_string(getgid()) + " 1"; // without it no file of ours could be made
+  const uid_t user = geteuid();
+  const gid_t group = getegid();
   if (unshare(CLONE_NEWUSER) != 0)
     return false;
   std::ofstream("/proc/self/setgroups") << "deny";
-  std::ofstream("/proc/self/uid_map") << user;
-  std::ofstream("/proc/self/gid_map") << group;
+  std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+  std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
 #endif
   return geteuid() == 0;
 }
