@@ -9,7 +9,7 @@
 # A collection of resources with the firewall's script in it, as it is configured for one firewall tool.
 function(ostrel_script_collection collection tool)
   set(folder ${collection}.d)
-  set(TAVRIK_FIREWALL_TOOL ${tool})
+  string(REPLACE "'" "'\\''" TAVRIK_FIREWALL_TOOL "${tool}")
   configure_file(${PROJECT_SOURCE_DIR}/Resources/Scripts/Firewall ${folder}/Scripts/Firewall @ONLY)
   configure_file(${PROJECT_SOURCE_DIR}/Resources/Scripts.qrc ${folder}/Scripts.qrc COPYONLY)
   add_custom_command(OUTPUT ${collection}

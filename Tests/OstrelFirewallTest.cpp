@@ -354,7 +354,8 @@ TEST(InstalledProgram, KnowsNothingOfTheBuildTree)
 {
   const std::string here = ReadText(QStringLiteral(OSTREL)).toStdString();
   const std::string installed = ReadText(QStringLiteral(OSTREL_INSTALLED)).toStdString();
-  const std::string tool = standIns.toStdString() + "/socketfilterfw";
+  const std::string tool =
+      "tool='" + QString(standIns).replace("'", "'\\''").toStdString() + "/socketfilterfw'";
   EXPECT_THAT(here.find(tool), Not(std::string::npos));
   EXPECT_EQ(std::string::npos, installed.find(standIns.toStdString()));
   EXPECT_THAT(installed.find("tool='" TAVRIK_LIBEXEC "/standins/socketfilterfw'"), Not(std::string::npos));
