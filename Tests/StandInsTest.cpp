@@ -434,6 +434,26 @@ TEST_F(DiskToolTest, AVolumeWithBlanksAndBackslashesIsFoundByWhatLiesOnIt)
       });
 }
 
+TEST_F(DiskToolTest, FindsTheRootThatIsNotAMountPointThoughItsFileSystemIsMountedBelow)
+{
+  RunWithOwnVolumes(
+      []
+      {
+        ASSERT_TRUE(MountVolume("/Volumes/Disk"));
+        ASSERT_TRUE(QDir().mkpath("/Volumes/Disk/root/data"));
+        ASSERT_TRUE(QDir().mkpath("/Volumes/Disk/root/Volumes/Data"));
+        ASSERT_EQ(0, mount("/Volumes/Disk/root/data", "/Volumes/Disk/root/Volumes/Data", nullptr, MS_BIND,
+                           nullptr));
+        ASSERT_TRUE(EnterPlainRoot("/Volumes/Disk/root"));
+        for (const char* path : {"/", "/data", "/Volumes/Data"})
+        {
+          const StorageInfo storage = FindDisk(LoadDiskList(), path);
+          EXPECT_EQ("/", storage.mountPoint) << path;
+          EXPECT_EQ(1024 * 1024, storage.totalSize) << path;
+        }
+      });
+}
+
 TEST_F(DiskToolTest, AVolumeThatDoesNotAnswerHoldsNobodyUpForLong)
 {
   RunWithOwnVolumes(

@@ -147,6 +147,11 @@ std::string MirrorAll(const std::string& base)
   return reason;
 }
 
+std::string EnterRoot(const std::string& folder)
+{
+  return chroot(folder.c_str()) == 0 && chdir("/") == 0 ? std::string() : Reason("chroot " + folder);
+}
+
 std::string EnterOwnVolumes(const std::string& base)
 {
   std::string reason = LeaveNamespace();
@@ -162,9 +167,7 @@ std::string EnterOwnVolumes(const std::string& base)
     return reason;
   if (mkdir((base + "/Volumes").c_str(), 0755) != 0)
     return Reason("mkdir /Volumes");
-  if (chroot(base.c_str()) != 0 || chdir("/") != 0)
-    return Reason("chroot");
-  return {};
+  return EnterRoot(base);
 }
 
 #else
@@ -235,6 +238,14 @@ testing::AssertionResult MountVolume(const std::string& folder)
   return testing::AssertionSuccess();
 }
 
+testing::AssertionResult EnterPlainRoot(const std::string& folder)
+{
+  std::string reason = MirrorAll(folder);
+  if (reason.empty())
+    reason = EnterRoot(folder);
+  return reason.empty() ? testing::AssertionSuccess() : testing::AssertionFailure() << reason;
+}
+
 testing::AssertionResult MakeReadOnly(const std::string& folder)
 {
   if (mount("none", folder.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) != 0)
@@ -245,6 +256,11 @@ testing::AssertionResult MakeReadOnly(const std::string& folder)
 #else
 
 testing::AssertionResult MountVolume(const std::string&)
+{
+  return testing::AssertionFailure() << "this system has no mount namespaces";
+}
+
+testing::AssertionResult EnterPlainRoot(const std::string&)
 {
   return testing::AssertionFailure() << "this system has no mount namespaces";
 }

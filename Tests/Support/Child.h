@@ -34,5 +34,11 @@ void RunWithOwnVolumes(const std::function<void()>& body);
 /** Mounts an empty file system there, which goes away with the namespace. Creates the folder. */
 testing::AssertionResult MountVolume(const std::string& folder);
 
+/**
+ * Makes @p folder, which is not a mount point, the root of the calling process, with the machine's folders
+ * mounted in it. Only within RunWithOwnVolumes().
+ */
+testing::AssertionResult EnterPlainRoot(const std::string& folder);
+
 /** Makes a volume of MountVolume() read-only from now on. */
 testing::AssertionResult MakeReadOnly(const std::string& folder);

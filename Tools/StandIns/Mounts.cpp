@@ -304,8 +304,8 @@ void TakeLabels(std::vector<Volume>* volumes)
 
 /// @}
 
-// Where the root folder is a folder of a file system that is mounted elsewhere, as chroot makes it, no mount
-// tells of it.
+// A root folder that chroot made of a plain folder is no mount point, but its file system may be mounted
+// below it.
 void AddRoot(std::vector<Volume>* volumes)
 {
   struct stat information;
@@ -316,12 +316,17 @@ void AddRoot(std::vector<Volume>* volumes)
   Volume root;
   root.whole = "disk" + std::to_string(major(information.st_dev));
   root.identifier = root.whole + 's' + std::to_string(minor(information.st_dev));
-  if (std::any_of(volumes->begin(), volumes->end(),
-                  [&](const Volume& volume) { return volume.identifier == root.identifier; }))
-    return;
   root.name = root.mountPoint = "/";
   root.type = "unknown";
   root.device = "unknown";
+  const auto same = std::find_if(volumes->begin(), volumes->end(),
+                                 [&](const Volume& volume) { return volume.identifier == root.identifier; });
+  if (same != volumes->end())
+  {
+    root.type = same->type;
+    root.device = same->device;
+    volumes->erase(same);
+  }
   volumes->insert(volumes->begin(), root);
 }
 
