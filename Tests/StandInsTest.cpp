@@ -328,6 +328,41 @@ TEST_F(SocketFilterTest, RootKeepsOutOfAFolderThatOthersCanWrite)
       });
 }
 
+TEST_F(SocketFilterTest, KeepsNoFileOfAStateInWhichEverythingIsOffAndEmpty)
+{
+  RunAsRootWithOwnState(
+      [this]
+      {
+        const QString path = MakeApplication("A.app");
+        EXPECT_EQ(0,
+                  RunSocketFilter({"--setglobalstate", "on", "--add", path, "--setglobalstate", "off"}).code);
+        EXPECT_TRUE(QFile::exists("/var/lib/tavrik/firewall"));
+        EXPECT_EQ(0, RunSocketFilter({"--remove", path}).code);
+        EXPECT_FALSE(QFile::exists("/var/lib/tavrik"));
+        EXPECT_EQ(refused, RunSocketFilter({"--remove", path}).code);
+        EXPECT_FALSE(QFile::exists("/var/lib/tavrik"));
+      });
+}
+
+TEST_F(SocketFilterTest, WritersThatEmptyTheStateAtTheSameTimeLoseNothing)
+{
+  const int count = 8;
+  std::vector<std::unique_ptr<HostProcess>> writers;
+  for (int i = 0; i < count; ++i)
+  {
+    const QString path = MakeApplication(QString::number(i) + ".app");
+    QStringList options;
+    for (int turn = 0; turn < 30; ++turn)
+      options += QStringList{"--add", path, "--blockapp", path, "--remove", path};
+    options += QStringList{"--add", path};
+    writers.push_back(std::make_unique<HostProcess>(folder + "/socketfilterfw", options));
+    writers.back()->Begin();
+  }
+  for (const auto& writer : writers)
+    EXPECT_EQ(0, writer->Finish());
+  EXPECT_TRUE(RunSocketFilter({"--listapps"}).out.startsWith("ALF: total number of apps = 8 \n"));
+}
+
 TEST_F(SocketFilterTest, TheLibraryReadsItInFull)
 {
   const QString path = MakeApplication("B b.app");

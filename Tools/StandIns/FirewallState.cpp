@@ -1,4 +1,5 @@
-// A text file of lines "NAME VALUE". It is replaced whole, so readers take no lock.
+// A text file of lines "NAME VALUE". It is replaced whole, so readers take no lock. A state in which
+// everything is off and empty is not kept: then there is neither the file nor its lock.
 
 #include "FirewallState.h"
 
@@ -206,8 +207,16 @@ bool WriteWhole(int descriptor, const std::string& text)
   return true;
 }
 
+bool IsEmpty(const FirewallState& state)
+{
+  return state.applications.empty() &&
+         std::none_of(state.switches.begin(), state.switches.end(), [](bool isOn) { return isOn; });
+}
+
 std::string Store(const FirewallState& state, const std::string& path, mode_t mode)
 {
+  if (IsEmpty(state))
+    return unlink(path.c_str()) == 0 || errno == ENOENT ? std::string() : Reason(path);
   const std::string fresh = path + ".new";
   unlink(fresh.c_str());
   const File file(fresh, O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
@@ -219,6 +228,41 @@ std::string Store(const FirewallState& state, const std::string& path, mode_t mo
   std::string reason = Reason(path);
   unlink(fresh.c_str());
   return reason;
+}
+
+std::string FolderOf(const StatePlace& place)
+{
+  return place.writeFile.substr(0, place.writeFile.find_last_of('/'));
+}
+
+std::string PrepareFolder(const StatePlace& place)
+{
+  const std::string folder = FolderOf(place);
+  std::string reason = MakeFolders(folder, place.isSystemWide ? 0755 : 0700);
+  struct stat information;
+  if (reason.empty() && place.isSystemWide &&
+      (lstat(folder.c_str(), &information) != 0 || !S_ISDIR(information.st_mode) || !IsTrusted(information)))
+    reason = folder + ": others can write there";
+  return reason;
+}
+
+bool IsFileAt(const std::string& path, const File& file)
+{
+  struct stat there;
+  struct stat here;
+  return lstat(path.c_str(), &there) == 0 && fstat(file.Get(), &here) == 0 && there.st_dev == here.st_dev &&
+         there.st_ino == here.st_ino;
+}
+
+// Only while the lock is held: a process that waits for it notices that it has been removed.
+void RemoveUnused(const StatePlace& place)
+{
+  struct stat information;
+  if (lstat(place.writeFile.c_str(), &information) == 0 || errno != ENOENT)
+    return;
+  unlink((place.writeFile + ".lock").c_str());
+  if (place.isSystemWide)
+    rmdir(FolderOf(place).c_str());
 }
 
 } // namespace
@@ -251,22 +295,27 @@ FirewallState Load(const StatePlace& place)
 std::string Edit(const StatePlace& place, const std::function<bool(FirewallState&)>& edit)
 {
   const std::string& path = place.writeFile;
-  const std::string folder = path.substr(0, path.find_last_of('/'));
-  std::string reason = MakeFolders(folder, place.isSystemWide ? 0755 : 0700);
-  if (!reason.empty())
+  const std::string lockPath = path + ".lock";
+  for (;;)
+  {
+    std::string reason = PrepareFolder(place);
+    if (!reason.empty())
+      return reason;
+    const File lock(lockPath, O_RDWR | O_CREAT, S_IRUSR | S_IWUSR);
+    if (!lock && errno == ENOENT)
+      continue; // the last writer has just removed the folder
+    if (!lock)
+      return Reason(lockPath);
+    if (!LockWithin(lock.Get(), longestWait))
+      return lockPath + ": somebody else holds it";
+    if (!IsFileAt(lockPath, lock))
+      continue; // the last writer has removed it
+    FirewallState state = Load(place);
+    if (edit(state))
+      reason = Store(state, path, place.isSystemWide ? 0644 : 0600);
+    RemoveUnused(place);
     return reason;
-  struct stat information;
-  if (place.isSystemWide &&
-      (lstat(folder.c_str(), &information) != 0 || !S_ISDIR(information.st_mode) || !IsTrusted(information)))
-    return folder + ": others can write there";
-
-  const File lock(path + ".lock", O_RDWR | O_CREAT, S_IRUSR | S_IWUSR);
-  if (!lock)
-    return Reason(path + ".lock");
-  if (!LockWithin(lock.Get(), longestWait))
-    return path + ".lock: somebody else holds it";
-  FirewallState state = Load(place);
-  return edit(state) ? Store(state, path, place.isSystemWide ? 0644 : 0600) : std::string();
+  }
 }
 
 } // namespace StandIns
