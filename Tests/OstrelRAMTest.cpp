@@ -75,6 +75,16 @@ TEST_F(Ram, StatusTellsTotalAndFree)
   EXPECT_EQ(json.out.count('\n'), 1);
 }
 
+TEST_F(Ram, CleanPassesItsLimitToThePurger)
+{
+  SetPurger("echo \"${TAVRIK_PURGER_LIMIT-none}\" >>\"$here/limits\"\n" + steady);
+  EXPECT_EQ(RunRam({"clean"}).code, Done);
+  EXPECT_EQ(RunRam({"clean", "--limit", "134217728"}).code, Done);
+  EXPECT_EQ(ReadText(folder.filePath("limits")), "none\n134217728\n");
+  for (const char* limit : {"-1", "1.5", "1 MB", ""})
+    EXPECT_EQ(RunRam({"clean", "--limit", limit}).code, WrongUsage) << limit;
+}
+
 TEST_F(Ram, CleanTellsProgressOnStandardErrorAndTheResultOnStandardOutput)
 {
   SetPurger(steady);

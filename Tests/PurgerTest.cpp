@@ -104,6 +104,23 @@ TEST(Purger, TellsItsProgressInRisingLinesWithHundredAsTheLast)
   ExpectGoodProgress(Purge(300 * mebibyte));
 }
 
+TEST(Purger, TakesTheLimitOfItsEnvironmentUnlessAnOptionIsGiven)
+{
+  const auto fill = [](const char* variable, const QStringList& arguments)
+  {
+    qputenv("TAVRIK_PURGER_LIMIT", variable);
+    const Outcome outcome = RunTool(PurgerPath(), arguments);
+    qunsetenv("TAVRIK_PURGER_LIMIT");
+    return outcome;
+  };
+  const Outcome limited = fill("0", {});
+  ExpectGoodProgress(limited);
+  EXPECT_THAT(limited.lines, SizeIs(2));
+  EXPECT_EQ(fill("64 MB", {}).code, 2);
+  EXPECT_EQ(fill("", {}).code, 2);
+  ExpectGoodProgress(fill("64 MB", {"--limit", "0"}));
+}
+
 TEST(Purger, WithoutRoomToFillIsDoneAtOnce)
 {
   const Outcome outcome = Purge(0);

@@ -30,6 +30,7 @@ struct Arguments
 {
   bool json = false;
   std::optional<std::chrono::milliseconds> timeout;
+  std::optional<qint64> limit; // bytes
 };
 
 // status --------------------------------------------------------------------------------------------------
@@ -90,6 +91,9 @@ public:
 
   int Run()
   {
+    // The library starts the purger without arguments.
+    if (arguments.limit)
+      qputenv("TAVRIK_PURGER_LIMIT", QByteArray::number(*arguments.limit));
     if (!cleaner.Clean())
     {
       PrintError(Texts::tr("the purger cannot be started: %1").arg(ShowText(RAMCleaner::FindPurger())));
@@ -191,6 +195,11 @@ void AddRAMCommand(CLI::App& app, Command& command)
               [arguments](Signals& signalSource) { return CleaningRun(*arguments, signalSource).Run(); });
   AddJson(*clean, arguments->json);
   AddTimeout(*clean, arguments->timeout, "Stop after so long, with code 3 (default: never)");
+  clean
+      ->add_option("-l,--limit", arguments->limit,
+                   "Take at most so many bytes of memory, and do not drop the system's caches")
+      ->type_name("BYTES")
+      ->check(CLI::Validator(CLI::NonNegativeNumber).description(""));
   clean->footer(
       "Ctrl-C stops the purger, tells what was freed and ends with 130; a second one ends at once.\n"
       "A purger that cannot be started ends with 14.");

@@ -140,10 +140,13 @@ bool ParseLimit(const char* text, long long* limit)
 int main(int argc, char** argv)
 {
   long long limit = std::numeric_limits<long long>::max();
-  const bool isLimited = argc == 3 && std::strcmp(argv[1], "--limit") == 0 && ParseLimit(argv[2], &limit);
-  if (argc != 1 && !isLimited)
+  const bool hasOption = argc == 3 && std::strcmp(argv[1], "--limit") == 0;
+  const char* const limitText = hasOption ? argv[2] : std::getenv("TAVRIK_PURGER_LIMIT");
+  const bool isLimited = limitText && ParseLimit(limitText, &limit);
+  if ((argc != 1 && !hasOption) || (limitText && !isLimited))
   {
-    std::fprintf(stderr, "usage: %s [--limit BYTES]\n", argv[0]);
+    std::fprintf(stderr, "usage: %s [--limit BYTES]; TAVRIK_PURGER_LIMIT is the same without the option\n",
+                 argv[0]);
     return usageError;
   }
 
