@@ -889,13 +889,12 @@ int main(int argc, char** argv)
     return std::puts(
                "Skipped: this machine lets a plain user make no user namespace, so nobody is root here"),
            skipped;
-  char folder[] = "/tmp/tavrik-attack.XXXXXX";
-  if (!mkdtemp(folder))
+  work = "/tmp/tavrik-attack." + std::to_string(getpid()) + ".XXXXXX";
+  if (!mkdtemp(work.data()))
     return std::perror("mkdtemp"), EXIT_FAILURE;
-  work = folder;
   if (wasRoot && !HideFromOthers())
   {
-    rmdir(folder);
+    rmdir(work.c_str());
     return std::puts(
                "Skipped: root may not mount here, and a set-user-id program must not be seen by others"),
            skipped;

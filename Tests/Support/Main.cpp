@@ -10,17 +10,18 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
-#include <QFile>
 
 #include <glog/logging.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <iterator>
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 #ifdef __linux__
@@ -58,6 +59,16 @@ bool ReportLeftovers(const QString& folder)
   return isClean;
 }
 
+// Qt does not remove a file whose name is not text in the locale.
+bool RemoveHome(const std::string& home)
+{
+  std::error_code error;
+  std::filesystem::remove_all(home, error);
+  if (error)
+    std::fprintf(stderr, "The test left %s behind: %s\n", home.c_str(), error.message().c_str());
+  return !error;
+}
+
 std::string Setting(const char* name, const char* otherwise)
 {
   const char* const value = std::getenv(name);
@@ -86,7 +97,9 @@ void Become(char** argv)
 
 int RunApart(char** argv)
 {
-  std::string home = Setting("TAVRIK_TEST_ROOT", "/tmp") + "/tavrik-test.XXXXXX";
+  // Tests/Leftovers knows by the process id which homes are in use.
+  std::string home =
+      Setting("TAVRIK_TEST_ROOT", "/tmp") + "/tavrik-test." + std::to_string(getpid()) + ".XXXXXX";
   if (!mkdtemp(home.data()))
   {
     std::perror("mkdtemp");
@@ -122,8 +135,8 @@ int RunApart(char** argv)
     std::perror("fork");
     return EXIT_FAILURE;
   }
-  const bool isClean = ReportLeftovers(QString::fromStdString(temporary));
-  QDir(QString::fromStdString(home)).removeRecursively();
+  bool isClean = ReportLeftovers(QString::fromStdString(temporary));
+  isClean = RemoveHome(home) && isClean;
   if (WIFSIGNALED(status))
   {
     std::fprintf(stderr, "The test was ended by signal %d\n", WTERMSIG(status));
