@@ -183,7 +183,7 @@ class Tree:
             os.chmod(folder, 0o711)  # some become another user
             done = subprocess.Popen(["ctest", "--test-dir", str(self.build), "-R", rf"^({'|'.join(programs)})\.",
                                      "-j", str(TESTS_AT_ONCE), "--timeout", str(LONGEST_TEST), "--output-on-failure",
-                                     "--no-tests=error"],
+                                     "--no-tests=error", "-FA", "Leftovers"],
                                     stdout=subprocess.PIPE, stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL,
                                     env={**os.environ, "TMPDIR": folder, "TAVRIK_TEST_ROOT": folder},
                                     start_new_session=True, text=True, errors="replace")
