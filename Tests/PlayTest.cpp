@@ -21,11 +21,12 @@ namespace
 class PlayTest : public testing::Test
 {
 protected:
-  // Calls the program, unless @p broken, a shell's case pattern with its commands, matches the command line.
+  // Calls $real, the program, unless @p broken, a shell's case pattern with its commands, matches the command
+  // line.
   Outcome Play(const QByteArray& broken, const QStringList& options = {})
   {
-    WriteProgram(ostrel, "case \"$*\" in\n" + broken + " ;;\nesac\nexec '" +
-                             QByteArray(OSTREL).replace('\'', "'\\''") + "' \"$@\"\n");
+    WriteProgram(ostrel, "real='" + QByteArray(OSTREL).replace('\'', "'\\''") + "'\ncase \"$*\" in\n" +
+                             broken + " ;;\nesac\nexec \"$real\" \"$@\"\n");
     return RunHost(QStringLiteral(TAVRIK_PLAY),
                    options + QStringList{ostrel, QStringLiteral(OSTREL_SCHEDULER)});
   }
@@ -58,6 +59,14 @@ TEST_F(PlayTest, ReportsAParticipantThatIsKilled)
   EXPECT_THAT(FailureIn(outcome), HasSubstr("FAILED  carol ended with 137\n"));
 }
 
+TEST_F(PlayTest, ReportsAParticipantThatIsKilledWhileItTalks)
+{
+  const Outcome outcome =
+      Play("*'--name carol'*) \"$real\" \"$@\" <&0 & sleep 1; kill -KILL $!; wait $!; exit");
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(FailureIn(outcome), HasSubstr("FAILED  carol ended with 137\n"));
+}
+
 TEST_F(PlayTest, ShowsTheOtherLogsAfterTheErrorWhenVerbose)
 {
   const Outcome outcome = Play("*'--name bob'*) echo 'ostrel: no room' >&2; exit 9", {"--verbose"});
@@ -79,7 +88,7 @@ TEST_F(PlayTest, LimitsThePurge)
 {
   const Outcome outcome = Play("'ram clean'*) echo \"$*\" >&2; exit 1");
   EXPECT_EQ(outcome.code, 1);
-  EXPECT_THAT(FailureIn(outcome), HasSubstr("FAILED  ram clean ended with 1\nram clean --limit 134217728 "));
+  EXPECT_THAT(FailureIn(outcome), HasSubstr("FAILED  ram clean ended with 1\nram clean --limit 67108864 "));
 }
 
 TEST_F(PlayTest, PrintsTheCommandThatPurgesWithoutALimitAndThatTheFirewallIsAStandIn)
