@@ -346,21 +346,28 @@ TEST_F(SocketFilterTest, KeepsNoFileOfAStateInWhichEverythingIsOffAndEmpty)
 
 TEST_F(SocketFilterTest, WritersThatEmptyTheStateAtTheSameTimeLoseNothing)
 {
-  const int count = 8;
-  std::vector<std::unique_ptr<HostProcess>> writers;
-  for (int i = 0; i < count; ++i)
-  {
-    const QString path = MakeApplication(QString::number(i) + ".app");
-    QStringList options;
-    for (int turn = 0; turn < 30; ++turn)
-      options += QStringList{"--add", path, "--blockapp", path, "--remove", path};
-    options += QStringList{"--add", path};
-    writers.push_back(std::make_unique<HostProcess>(folder + "/socketfilterfw", options));
-    writers.back()->Begin();
-  }
-  for (const auto& writer : writers)
-    EXPECT_EQ(0, writer->Finish());
-  EXPECT_TRUE(RunSocketFilter({"--listapps"}).out.startsWith("ALF: total number of apps = 8 \n"));
+  RunAsRootWithOwnState(
+      [this]
+      {
+        const int count = 8;
+        std::vector<std::unique_ptr<HostProcess>> writers;
+        for (int i = 0; i < count; ++i)
+        {
+          const QString path = MakeApplication(QString::number(i) + ".app");
+          QStringList options;
+          for (int turn = 0; turn < 200; ++turn)
+            options += QStringList{"--add", path, "--remove", path};
+          options += QStringList{"--add", path};
+          writers.push_back(std::make_unique<HostProcess>(folder + "/socketfilterfw", options));
+          writers.back()->Begin();
+        }
+        for (const auto& writer : writers)
+        {
+          EXPECT_EQ(0, writer->Finish());
+          EXPECT_EQ("", writer->Err());
+        }
+        EXPECT_TRUE(RunSocketFilter({"--listapps"}).out.startsWith("ALF: total number of apps = 8 \n"));
+      });
 }
 
 TEST_F(SocketFilterTest, TheLibraryReadsItInFull)

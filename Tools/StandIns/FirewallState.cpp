@@ -240,8 +240,9 @@ std::string PrepareFolder(const StatePlace& place)
   const std::string folder = FolderOf(place);
   std::string reason = MakeFolders(folder, place.isSystemWide ? 0755 : 0700);
   struct stat information;
-  if (reason.empty() && place.isSystemWide &&
-      (lstat(folder.c_str(), &information) != 0 || !S_ISDIR(information.st_mode) || !IsTrusted(information)))
+  // Another writer may have removed the folder by now; then the lock cannot be opened.
+  if (reason.empty() && place.isSystemWide && lstat(folder.c_str(), &information) == 0 &&
+      (!S_ISDIR(information.st_mode) || !IsTrusted(information)))
     reason = folder + ": others can write there";
   return reason;
 }
