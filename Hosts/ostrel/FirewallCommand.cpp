@@ -417,7 +417,7 @@ void AddSet(CLI::App& firewall, Command& command)
 {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App* verb = AddEditingVerb(firewall, "set", "Turn switches on and off", command, arguments);
-  AddSettings(*verb, "KEY=on|off", arguments->edit)->required();
+  AddSettings(*verb, "SWITCH", arguments->edit)->required();
 }
 
 } // namespace
