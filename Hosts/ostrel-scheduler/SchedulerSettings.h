@@ -18,7 +18,7 @@ struct SchedulerSettings
   qint64 trashSizeLimit = 0;
   qint64 freeDiskSpaceLimit = 0;
   double freeMemoryLimit = 0; ///< A fraction of the physical memory.
-  Tavrik::Cleaner::DaemonSettings::RemindPeriod period = Tavrik::Cleaner::DaemonSettings::Monthly;
+  Tavrik::Cleaner::DaemonSettings::RemindPeriod period{Tavrik::Cleaner::DaemonSettings::Monthly};
   QDate previousMaintenance;
   QDate nextMaintenance;
   QString cleanerPath;

@@ -177,7 +177,7 @@ private:
   QString recipient;
 };
 
-constexpr std::chrono::milliseconds resultTime = std::chrono::seconds(10);
+constexpr std::chrono::milliseconds resultTime{10000};
 
 int RunSend(const Arguments& arguments, Signals& signalSource)
 {

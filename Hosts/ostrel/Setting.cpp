@@ -263,7 +263,7 @@ public:
   }
 
 private:
-  static constexpr DaemonSettings::RemindPeriod fallback = DaemonSettings::Monthly;
+  static constexpr DaemonSettings::RemindPeriod fallback{DaemonSettings::Monthly};
 
   static Value ToValue(const DaemonSettings& settings, DaemonSettings::RemindPeriod period)
   {
