@@ -108,9 +108,17 @@ def routing():
              max(50 - rates["least rate"], rates["largest rate"] - 50) / 50 * 100, 2, " %")
     busiest = rates["server us per message"]
     seconds = 1 if short else 5
-    dbus, objects = repeated(3, ("PeersBenchmark", "dbus", seconds), ("PeersBenchmark", "objects", seconds))
+    peers = [("PeersBenchmark", "dbus", seconds)]
+    if os.path.exists(os.path.join(folder, "ObjectsBenchmark")):
+        peers.append(("ObjectsBenchmark", seconds))
+    dbus, *objects = repeated(3, *peers)
     daemon = dbus["daemon us per call and reply"]
-    source = objects["source us per call and reply"]
+    peerRows = [["session bus daemon (QtDBus at both ends)", f"{daemon:.1f}", f"{busiest / daemon:.2f}x"]]
+    name = "Qt Remote Objects, the source (no process between)"
+    for source in (run["source us per call and reply"] for run in objects):
+        peerRows.append([name, f"{source:.1f}", f"{busiest / source:.2f}x"])
+    if not objects:
+        peerRows.append([name, "not on this system", ""])
     goal("server's processor time per routed message, beside a D-Bus daemon's for a call and its reply",
          busiest / daemon, 1, "x")
     return ("## Routing\n\nEvery sender has a recipient of its own and always something to say, 64 bytes at a time. A client "
@@ -118,8 +126,7 @@ def routing():
             "messages:\nin, out, result, and the ticks in which nothing came.\n\n" +
             table(["senders", "least rate", "mean rate", "largest rate", "not OK", "server, us per message"], rows) + "\n" +
             table(["64 bytes there and back", "us of processor time", "our server, 32 senders, beside it"],
-                  [["session bus daemon (QtDBus at both ends)", f"{daemon:.1f}", f"{busiest / daemon:.2f}x"],
-                   ["Qt Remote Objects, the source (no process between)", f"{source:.1f}", f"{busiest / source:.2f}x"]]))
+                  peerRows))
 
 
 def idling():
