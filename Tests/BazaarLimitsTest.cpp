@@ -29,11 +29,13 @@ namespace
 {
 
 const long long hugest = std::numeric_limits<long long>::max();
-const std::vector<long long Limits::*> allLimits = {
+using LimitField = long long Limits::*;
+
+const std::vector<LimitField> allLimits = {
     &Limits::admissionTime, &Limits::replyTime,      &Limits::packetSize, &Limits::queuedMessages,
     &Limits::queuedBytes,   &Limits::unwrittenBytes, &Limits::clients,    &Limits::clientRate};
 
-void Limit(long long Limits::*which, long long value)
+void Limit(LimitField which, long long value)
 {
   Limits limits = GetLimits();
   limits.*which = value;
@@ -311,9 +313,9 @@ TEST_F(Reply, ThatBeginsAndNeverEndsIsNoAnswer)
 {
   Limit(&Limits::replyTime, 300);
   RawServer raw(meeting.context);
+  const QByteArray beginning = Wire::Status("demo", {"guest"}).left(50);
   QObject::connect(&raw.server, &QLocalServer::newConnection, &raw.server,
-                   [&]
-                   { raw.server.nextPendingConnection()->write(Wire::Status("demo", {"guest"}).left(50)); });
+                   [&] { raw.server.nextPendingConnection()->write(beginning); });
   const Context guest(meeting.context, QStringLiteral("guest"), recorder, NoServer);
   EXPECT_THAT(guest.Members(), IsEmpty());
   EXPECT_THAT(log.Warnings(), ElementsAre("guest has waited too long for the server to answer"));

@@ -394,13 +394,10 @@ TEST(DaemonSettings, WriteSettingsWritesAnyKey)
 {
   DaemonSettings settings;
   settings.WriteSettings(KeyCleanerPath, QStringLiteral("/Applications/Ostrel.app"));
-  settings.WriteSettings(KeyHelpUrl, QStringLiteral("https://example.org/?a=1&b=%20;,\"x\"\n\u017e"));
+  const QString url = QStringLiteral("https://example.org/?a=1&b=%20;,\"x\"\n\u017e");
+  settings.WriteSettings(KeyHelpUrl, url);
   EXPECT_EQ(Stored(KeyCleanerPath).toString(), "/Applications/Ostrel.app");
-  const pid_t reader = StartProcess(
-      [] {
-        return Stored(KeyHelpUrl).toString() ==
-               QStringLiteral("https://example.org/?a=1&b=%20;,\"x\"\n\u017e");
-      });
+  const pid_t reader = StartProcess([&] { return Stored(KeyHelpUrl).toString() == url; });
   EXPECT_TRUE(Succeeds(reader));
 }
 

@@ -73,8 +73,7 @@ public:
       Fail("eight arguments are wanted, not " + std::to_string(arguments.size()), 64);
       return expected;
     }
-    bool State::*const fields[] = {&State::isEnabled, &State::blockAll, &State::allowSigned,
-                                   &State::stealthMode};
+    const Field fields[] = {&State::isEnabled, &State::blockAll, &State::allowSigned, &State::stealthMode};
     for (std::size_t i = 0; i < switchCount; ++i)
     {
       Switch(options[i], arguments[i], fields[i]);
@@ -88,6 +87,8 @@ public:
   }
 
 private:
+  using Field = bool State::*;
+
   void Fail(const std::string& reason, int status = 1)
   {
     expected.status = status;
@@ -109,7 +110,7 @@ private:
     return false;
   }
 
-  void Switch(const std::string& option, const std::string& value, bool State::*field)
+  void Switch(const std::string& option, const std::string& value, Field field)
   {
     if (value != "on" && value != "off")
       Fail(option + ": neither on nor off: " + value);

@@ -379,11 +379,14 @@ class FirewallGeneration : public FirewallTest, public testing::WithParamInterfa
 {
 };
 
+std::string NameGeneration(const testing::TestParamInfo<SystemAnswers>& row)
+{
+  return QString(row.param.generation).replace('.', '_').toStdString();
+}
+
 } // namespace
 
-INSTANTIATE_TEST_SUITE_P(Systems, FirewallGeneration, testing::ValuesIn(systems),
-                         [](const auto& row)
-                         { return QString(row.param.generation).replace('.', '_').toStdString(); });
+INSTANTIATE_TEST_SUITE_P(Systems, FirewallGeneration, testing::ValuesIn(systems), NameGeneration);
 
 TEST_P(FirewallGeneration, IsReadInFull)
 {
@@ -430,14 +433,15 @@ TEST_F(FirewallTest, TheRecordedSwitchesOfEachGenerationAreReadAsTheyStand)
 {
   if (!QDir(transcripts).exists())
     GTEST_SKIP() << "There are no transcripts in " << transcripts.toStdString();
+  using State = Cleaner::Details::FirewallState;
+  using Switch = bool State::*;
   struct Row
   {
     const char* question;
     const char* file;
-    bool Cleaner::Details::FirewallState::*field;
+    Switch field;
     bool isOn;
   };
-  using State = Cleaner::Details::FirewallState;
   const Row rows[] = {
       {"--getglobalstate", "getglobalstate-15-enabled.txt", &State::isEnabled, true},
       {"--getglobalstate", "getglobalstate-getblockall-14-disabled.txt", &State::isEnabled, false},
@@ -489,7 +493,8 @@ TEST_F(FirewallTest, EveryFlagAndEverySwitchIsCompared)
   using Cleaner::Details::AppInfo;
   using Cleaner::Details::FirewallState;
   Firewall::Impl& model = ReadList("\n1 : /1\nAllow\n");
-  for (bool AppInfo::*flag : {&AppInfo::isSaved, &AppInfo::isAdded, &AppInfo::isRemoved, &AppInfo::isBlocked})
+  using Flag = bool AppInfo::*;
+  for (const Flag flag : {&AppInfo::isSaved, &AppInfo::isAdded, &AppInfo::isRemoved, &AppInfo::isBlocked})
   {
     bool& value = model.current.infos["/1"].*flag;
     value = !value;
@@ -497,8 +502,9 @@ TEST_F(FirewallTest, EveryFlagAndEverySwitchIsCompared)
     value = !value;
     EXPECT_TRUE(model.IsSaved());
   }
-  for (bool FirewallState::*flag : {&FirewallState::isEnabled, &FirewallState::blockAll,
-                                    &FirewallState::allowSigned, &FirewallState::stealthMode})
+  using Switch = bool FirewallState::*;
+  for (const Switch flag : {&FirewallState::isEnabled, &FirewallState::blockAll, &FirewallState::allowSigned,
+                            &FirewallState::stealthMode})
   {
     EXPECT_TRUE(model.Set(flag, true));
     EXPECT_FALSE(model.Set(flag, true));

@@ -577,23 +577,22 @@ TEST_F(RootExecutorTest, ARootShellThatHasGoneIsAskedForAnew)
 {
   WriteProgram(Launcher("sudo"), "echo asked >>\"$0.asked\"\necho $$ >\"$0.pid\"\nshift\nexec \"$@\"\n");
   BecomeUser();
+  const auto isShellGone = [&]
+  {
+    const QByteArray pid = ReadText(Launcher("sudo") + ".pid").trimmed();
+    return ReadText("/proc/" + pid + "/stat").contains(") Z ");
+  };
   RootExecutor executor(tool, true);
   ASSERT_TRUE(executor.Exec("x"));
   kill(ReadText(Launcher("sudo") + ".pid").toInt(), SIGKILL);
-  ASSERT_TRUE(WaitFor(
-      [&] {
-        return ReadText("/proc/" + ReadText(Launcher("sudo") + ".pid").trimmed() + "/stat").contains(") Z ");
-      }));
+  ASSERT_TRUE(WaitFor(isShellGone));
   EXPECT_TRUE(executor.Exec("x"));
   EXPECT_GT(executor.GetPid(), 0);
   EXPECT_EQ(2, Questions("sudo"));
 
   WriteProgram(Launcher("sudo"), "exit 1\n");
   kill(ReadText(Launcher("sudo") + ".pid").toInt(), SIGKILL);
-  ASSERT_TRUE(WaitFor(
-      [&] {
-        return ReadText("/proc/" + ReadText(Launcher("sudo") + ".pid").trimmed() + "/stat").contains(") Z ");
-      }));
+  ASSERT_TRUE(WaitFor(isShellGone));
   EXPECT_FALSE(executor.Exec("x"));
   EXPECT_EQ(-1, executor.GetPid());
 }

@@ -41,10 +41,9 @@ constexpr SecondsRange intervalRange = {"an interval", 0.01, 24 * 60 * 60};
 void AddOptions(CLI::App& app, SchedulerOptions& options)
 {
   app.add_flag("--once", options.once, "Look once, tell what is new and end; does not join the bus");
-  AddSeconds(
-      app, "--interval", intervalRange,
-      [&options](std::chrono::milliseconds time) { options.interval = time; },
-      "How often to look, 0.01 to 86400 (default: 60)");
+  const auto takeInterval = [&options](std::chrono::milliseconds time) { options.interval = time; };
+  AddSeconds(app, "--interval", intervalRange, takeInterval,
+             "How often to look, 0.01 to 86400 (default: 60)");
   app.add_flag("--dry-run", options.dryRun, "Print what it would tell, tell nobody and keep nothing");
   app.add_flag("--json,-j", options.json, "Print JSON, one object per line and nothing else");
   AddName(app, "--context,-c", options.contextName, "The bus to join (default: ostrel)");

@@ -405,8 +405,10 @@ void AddEdit(CLI::App& firewall, Command& command)
   orders->require_option(1, 0);
 }
 
+using PathsOfEdit = QStringList FirewallEdit::*;
+
 void AddShortForm(CLI::App& firewall, Command& command, const std::string& name, const std::string& help,
-                  QStringList FirewallEdit::*paths)
+                  PathsOfEdit paths)
 {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App* verb = AddEditingVerb(firewall, name, help, command, arguments);

@@ -313,9 +313,8 @@ void AddNoticesCommand(CLI::App& app, Command& command)
   verb->final_callback(
       [&command, arguments]
       {
-        command = [arguments](Signals& signalSource) {
-          return arguments->follow ? RunFollow(*arguments, signalSource) : RunOnce(*arguments, signalSource);
-        };
+        const auto run = arguments->follow ? RunFollow : RunOnce;
+        command = [arguments, run](Signals& signalSource) { return run(*arguments, signalSource); };
       });
 }
 

@@ -218,8 +218,10 @@ void PrintForPeople(Output& output, const Explanation& explanation)
   output.Print(style.Bold(output.IsTerminal() ? Shorten(shown, GetWidth(STDOUT_FILENO)) : shown).toUtf8(),
                {});
   Table table({{}, {{}, Table::Align::Left, true}});
-  const auto add = [&table](const QString& name, const Table::Cell& cell) {
-    table.AddRow({QStringLiteral("  ") + name, cell});
+  const auto add = [&table](const QString& name, const Table::Cell& cell)
+  {
+    const QString indented = QStringLiteral("  ") + name;
+    table.AddRow({indented, cell});
   };
   add(Texts::tr("What it is"), Describe(explanation.kind));
   add(Texts::tr("Safe to remove"), ShowAnswer(explanation.safety.isSafe, Describe(explanation.safety)));

@@ -65,12 +65,9 @@ CLI::Option* AddPath(CLI::App& app, const std::string& option, std::function<voi
 CLI::Option* AddSeconds(CLI::App& app, const std::string& option, SecondsRange range,
                         std::function<void(std::chrono::milliseconds)> take, const std::string& help)
 {
-  return app
-      .add_option_function<double>(
-          option,
-          [take = std::move(take)](double seconds)
-          { take(std::chrono::milliseconds(static_cast<long long>(seconds * 1000))); },
-          help)
+  const auto takeSeconds = [take = std::move(take)](double seconds)
+  { take(std::chrono::milliseconds(static_cast<long long>(seconds * 1000))); };
+  return app.add_option_function<double>(option, takeSeconds, help)
       ->type_name("SECONDS")
       ->check([range](const std::string& text) { return CheckSeconds(text, range); });
 }

@@ -93,6 +93,8 @@ const int longestShownName = 64;    // bytes of a name in such a line
 
 // ---- Limits ---------------------------------------------------------------------------------------------
 
+using LimitField = long long Limits::*;
+
 Limits processLimits;
 boost::mutex processLimitsMutex;
 
@@ -745,7 +747,7 @@ public:
   long long LargestPacket() const;
   void LimitReading(QLocalSocket* of) const;
   bool CanHear(const QLocalSocket* peer) const;
-  void Warn(long long Limits::*breached, const QByteArray& text);
+  void Warn(LimitField breached, const QByteArray& text);
 
   // Saying
   long long Say(const QByteArray& recipient, const QByteArray& data);
@@ -834,7 +836,7 @@ public:
   void Leave();
 
   const Limits limits;
-  std::vector<std::pair<long long Limits::*, Silence>> silences;
+  std::vector<std::pair<LimitField, Silence>> silences;
   int flags;
   QByteArray contextName;
   QByteArray clientName;
@@ -913,7 +915,7 @@ bool Context::Impl::CanHear(const QLocalSocket* peer) const
   return limits.packetSize <= 0 || poll(&end, 1, 0) <= 0 || (end.revents & POLLHUP) == 0;
 }
 
-void Context::Impl::Warn(long long Limits::*breached, const QByteArray& text)
+void Context::Impl::Warn(LimitField breached, const QByteArray& text)
 {
   auto silence = std::find_if(silences.begin(), silences.end(),
                               [&](const auto& other) { return other.first == breached; });
@@ -1007,10 +1009,8 @@ bool Context::Impl::Write(const QByteArray& packet)
 
 void Context::Impl::CancelMessagaesWithoutRecipient()
 {
-  pending.erase(std::remove_if(pending.begin(), pending.end(),
-                               [this](const PendingMessage& message)
-                               { return !HasMember(message.recipient); }),
-                pending.end());
+  const auto hasNoRecipient = [this](const PendingMessage& message) { return !HasMember(message.recipient); };
+  pending.erase(std::remove_if(pending.begin(), pending.end(), hasNoRecipient), pending.end());
   CountPending();
 }
 
@@ -2056,7 +2056,7 @@ void Context::Impl::Leave()
 void SetLimits(const Limits& limits)
 {
   Limits set = limits;
-  for (long long Limits::*limit :
+  for (const LimitField limit :
        {&Limits::admissionTime, &Limits::replyTime, &Limits::packetSize, &Limits::queuedMessages,
         &Limits::queuedBytes, &Limits::unwrittenBytes, &Limits::clients, &Limits::clientRate})
     set.*limit = std::max(set.*limit, 0LL);

@@ -281,7 +281,8 @@ public:
   bool IsSaved() const { return AreEqual(current, stored); }
   bool HasUnsavedApps() const;
 
-  bool Set(bool FirewallState::*field, bool value);
+  using Switch = bool FirewallState::*;
+  bool Set(Switch field, bool value);
   bool Add(const QString& path);
   bool Remove(const QString& path);
   bool Block(const QString& path, bool block);
@@ -349,7 +350,7 @@ bool Firewall::Impl::HasUnsavedApps() const
                      [](const AppInfo& info) { return !info.isSaved; });
 }
 
-bool Firewall::Impl::Set(bool FirewallState::*field, bool value)
+bool Firewall::Impl::Set(Switch field, bool value)
 {
   return std::exchange(current.*field, value) != value;
 }

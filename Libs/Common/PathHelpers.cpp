@@ -54,8 +54,9 @@ QString ExtractPathWith(const QString& extension, const QString& path)
 template<typename Iterator>
 QString FindIdentifier(Iterator first, Iterator last)
 {
-  const Iterator found = std::find_if(
-      first, last, [](const QStringRef& component) { return component.count(QLatin1Char('.')) >= 2; });
+  const auto isIdentifier = [](const QStringRef& component)
+  { return component.count(QLatin1Char('.')) >= 2; };
+  const Iterator found = std::find_if(first, last, isIdentifier);
   return found == last ? QString() : found->toString();
 }
 

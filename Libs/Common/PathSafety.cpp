@@ -51,11 +51,12 @@ const QString darwinUserCachePath = FindDarwinUserCachePath();
 
 bool CheckPathPrefix(const QString& path, const QStringList& prefixes)
 {
-  return std::any_of(prefixes.begin(), prefixes.end(),
-                     [&path](const QString& prefix) {
-                       return path.startsWith(prefix) &&
-                              (path.size() == prefix.size() || path.at(prefix.size()) == separator);
-                     });
+  const auto contains = [&path](const QString& prefix)
+  {
+    const bool isWhole = path.size() == prefix.size();
+    return path.startsWith(prefix) && (isWhole || path.at(prefix.size()) == separator);
+  };
+  return std::any_of(prefixes.begin(), prefixes.end(), contains);
 }
 
 bool HasParentComponent(const QString& path)

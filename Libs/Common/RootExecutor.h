@@ -25,6 +25,10 @@ namespace Tavrik::Cleaner::Details
  */
 class TAVRIK_COMMON_EXPORT RootExecutor
 {
+  template<typename T>
+  using IsText =
+      std::disjunction<std::is_convertible<const T&, const char*>, std::is_convertible<const T&, QString>>;
+
 public:
   /**
    * Stores its arguments; the system is not asked for anything yet.
@@ -60,10 +64,7 @@ public:
 
   /** The same for any mix of zero-terminated UTF-8 byte strings and QStrings. */
   template<typename... Arguments,
-           std::enable_if_t<(sizeof...(Arguments) > 0) &&
-                                ((std::is_convertible_v<const Arguments&, const char*> ||
-                                  std::is_convertible_v<const Arguments&, QString>)&&...),
-                            int> = 0>
+           std::enable_if_t<(sizeof...(Arguments) > 0) && std::conjunction_v<IsText<Arguments>...>, int> = 0>
   bool Exec(const Arguments&... arguments)
   {
     QStringList list;

@@ -773,9 +773,8 @@ void Judge(const Attack& attack, const Try& one, const Saved& saved, bool hadCha
     return;
   }
   std::string fault = Fault(attack, one, saved.isSaved);
-  const bool isReported =
-      std::any_of(attack.refusals.begin(), attack.refusals.end(),
-                  [&](const char* refusal) { return saved.log.find(refusal) != std::string::npos; });
+  const auto isLogged = [&](const char* refusal) { return saved.log.find(refusal) != std::string::npos; };
+  const bool isReported = std::any_of(attack.refusals.begin(), attack.refusals.end(), isLogged);
   if (fault.empty() && !saved.isSaved && !isReported)
     fault = "nothing was saved, and the log says: " + saved.log;
   if (!fault.empty())

@@ -466,9 +466,8 @@ void Chaos::StopLockHolder()
   const Living clients = Clients();
   Kill(Server());
   const pid_t holder = WaitForHolder(Wire::ServerName(meeting.context) + QStringLiteral(".lock"), 300);
-  const auto found =
-      std::find_if(clients.begin(), clients.end(),
-                   [&](const std::shared_ptr<Member>& client) { return client->peer.Pid() == holder; });
+  const auto isHolder = [&](const std::shared_ptr<Member>& client) { return client->peer.Pid() == holder; };
+  const auto found = std::find_if(clients.begin(), clients.end(), isHolder);
   const std::shared_ptr<Member> caught = found != clients.end() ? *found : DrawFrom(clients);
   Stop(caught);
   lockHoldersStopped += HolderOf(Wire::ServerName(meeting.context) + QStringLiteral(".lock")) ==
@@ -799,11 +798,9 @@ int main(int argc, char** argv)
   const QStringList names =
       parser.value(QStringLiteral("faults")).split(QLatin1Char(','), Qt::SkipEmptyParts);
   auto faults = Chaos::Faults();
+  const auto isUnwanted = [&](const auto& fault) { return !names.contains(QLatin1String(fault.first)); };
   if (!names.isEmpty())
-    faults.erase(std::remove_if(faults.begin(), faults.end(),
-                                [&](const auto& fault)
-                                { return !names.contains(QLatin1String(fault.first)); }),
-                 faults.end());
+    faults.erase(std::remove_if(faults.begin(), faults.end(), isUnwanted), faults.end());
   if (participants < 2 || rounds < 1 || faults.empty())
   {
     std::fprintf(stderr, "Chaos: at least two participants, one round and one fault are needed\n");

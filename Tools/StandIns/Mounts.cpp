@@ -151,9 +151,9 @@ std::vector<Volume> MakeVolumes(const std::vector<Mount>& mounts)
   {
     if (!IsLikeADisk(mount))
       continue;
-    const auto same = std::find_if(chosen.begin(), chosen.end(),
-                                   [&](const Mount& other)
-                                   { return other.major == mount.major && other.minor == mount.minor; });
+    const auto isSameDisk = [&](const Mount& other)
+    { return other.major == mount.major && other.minor == mount.minor; };
+    const auto same = std::find_if(chosen.begin(), chosen.end(), isSameDisk);
     if (same == chosen.end())
       chosen.push_back(mount);
     else if (IsBetter(mount, *same))
