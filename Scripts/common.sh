@@ -54,7 +54,41 @@ Build()
   Configure "$preset"
   Step "Building ($preset)"
   cmake --build --preset "$preset" --parallel "$jobs" ${1:+--target "$@"} ||
-    Fail "The build of the preset $preset failed." "The compiler's messages above name the place."
+    Fail "The build of the preset $preset failed." "The messages of the step after FAILED, above, name the cause."
+}
+
+# Filters the lines of ctest: of tests that passed or were skipped at most 100 columns, of others all but the dots. The
+# start of a test has no line.
+ShortenTestLines()
+{
+  local line name longest=54 start='^ +Start +[0-9]+: '
+  local result='^( *[0-9]+/[0-9]+ Test +#[0-9]+: )(.*[^ ]) \.+ *((Passed|\*\*\*[A-Z]).*)$'
+  while IFS= read -r line || [ -n "$line" ]; do
+    if [[ $line =~ $result ]]; then
+      name=${BASH_REMATCH[2]%%"  # GetParam() = "*}
+      case ${BASH_REMATCH[3]} in
+        Passed* | \*\*\*Skipped*)
+          [ ${#name} -le "$longest" ] || name="..${name: $((2 - longest))}"
+          printf '%s%-*s %s\n' "${BASH_REMATCH[1]}" "$longest" "$name" "${BASH_REMATCH[3]}"
+          ;;
+        *) printf '%s%s ...%s\n' "${BASH_REMATCH[1]}" "$name" "${BASH_REMATCH[3]}" ;;
+      esac
+    elif ! [[ $line =~ $start ]]; then
+      printf '%s\n' "$line"
+    fi
+  done
+}
+
+# Prints which tests the log of ctest has as skipped, and why. GoogleTest writes the reason in the line after "Skipped".
+PrintSkippedTests()
+{
+  [ -f "$1" ] || return 0
+  awk '
+    function report(reason) { printf "%s    %s: %s\n", count++ ? "" : "\nSkipped tests and their reasons:\n", name, reason }
+    /^[0-9]+\/[0-9]+ Testing: / { name = $0; sub(/^[^:]*: /, "", name); sub(/  # GetParam.*/, "", name) }
+    /:[0-9]+: Skipped$/ { getline; report($0) }
+    /^[a-z-]+: skipped, / { sub(/^.*: skipped, /, ""); report($0) }
+  ' "$1"
 }
 
 # Test PRESET [CTEST ARGUMENTS...]
