@@ -34,16 +34,21 @@ Fail()
 }
 
 # Configure PRESET: does nothing when the build tree is up to date; the build itself looks at the CMake lists.
+# ./run sets withoutTests, because the packages of the tests may be missing; the others then configure its tree again.
 Configure()
 {
-  local tree="build/$1" cache="build/$1/CMakeCache.txt"
+  local tree="build/$1" cache="build/$1/CMakeCache.txt" lacksTests=
   if [ -f "$cache" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$cache"; then
     Step "$tree belongs to another folder; starting it afresh"
     rm -rf "$tree"
   fi
-  [ "$tree/build.ninja" -nt CMakePresets.json ] && return
+  if [ "$1" = dev ] && [ -z "${withoutTests:-}" ]; then
+    lacksTests=$(grep -sxF TAVRIK_BUILD_TESTS:BOOL=OFF "$cache" || true)
+  fi
+  [ "$tree/build.ninja" -nt CMakePresets.json ] && [ -z "$lacksTests" ] && return
   Step "Configuring ($1)"
-  cmake --preset "$1" || Fail "CMake could not configure the preset $1." "Its messages above name the cause."
+  cmake --preset "$1" ${withoutTests:+-D TAVRIK_BUILD_TESTS=OFF} ||
+    Fail "CMake could not configure the preset $1." "Its messages above name the cause."
 }
 
 # Build PRESET [TARGET...]
