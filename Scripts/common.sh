@@ -99,9 +99,12 @@ PrintSkippedTests()
 # Test PRESET [CTEST ARGUMENTS...]
 Test()
 {
-  local preset=$1
+  local preset=$1 log="build/$1/Testing/Temporary/LastTest.log" code=0
   shift
   Step "Testing ($preset)"
   # Most tests wait for processes and timers: more of them than cores run well side by side.
-  ctest --preset "$preset" --parallel $((jobs * 3)) "$@"
+  rm -f "$log"
+  ctest --preset "$preset" --parallel $((jobs * 3)) "$@" | ShortenTestLines || code=$?
+  PrintSkippedTests "$log"
+  return "$code"
 }
