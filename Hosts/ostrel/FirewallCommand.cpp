@@ -381,7 +381,8 @@ CLI::App* AddEditingVerb(CLI::App& firewall, const std::string& name, const std:
           "--timeout,-t",
           [arguments](double seconds)
           {
-            if (!(seconds >= shortestTimeout && seconds <= longestTimeout)) // nor what is no number
+            const bool isInRange = seconds >= shortestTimeout && seconds <= longestTimeout; // false for NaN
+            if (!isInRange)
               throw CLI::ValidationError("--timeout", "a timeout must be between 0.001 and 604800 seconds");
             arguments->timeout = std::chrono::milliseconds(static_cast<long long>(seconds * 1000));
           },

@@ -100,7 +100,7 @@ private:
     for (size_t offset = 0; offset < size; offset += page)
     {
       const char* const mark = block + offset;
-      std::memcpy(block + offset, &mark, sizeof(mark));
+      std::memcpy(block + offset, static_cast<const void*>(&mark), sizeof(mark));
     }
     return true;
   }

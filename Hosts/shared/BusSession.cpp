@@ -218,7 +218,7 @@ void BusSession::Leave(int code)
   if (outcome)
     return;
   outcome = code;
-  EndWhenStuck();
+  EndWhenStuck(code);
   QCoreApplication::exit(code);
 }
 
@@ -233,10 +233,10 @@ void BusSession::WatchBus()
 
 // A participant whose name was taken while it looked for a new server waits inside of a timer's call for
 // ever: the event loop that was told to end never comes to it.
-void BusSession::EndWhenStuck()
+void BusSession::EndWhenStuck(int code)
 {
   stuckTimer.callOnTimeout(
-      [code = *outcome, ticks = 0]() mutable
+      [code, ticks = 0]() mutable
       {
         if (++ticks == stuckTicks)
           std::_Exit(code);

@@ -84,7 +84,7 @@ private:
   void JoinPatiently(const std::shared_ptr<Tavrik::Bazaar::Listener>& listener);
   int GetFlags() const;
   void WatchBus();
-  void EndWhenStuck();
+  void EndWhenStuck(int code);
 
   BusOptions options;
   Signals& signalSource;

@@ -88,7 +88,8 @@ QString ShowSize(qint64 bytes)
 std::optional<qint64> ReadInteger(const QJsonValue& value)
 {
   const double number = value.toDouble(-1);
-  if (!(number >= 0 && number <= static_cast<double>(largestJsonInteger)) || std::floor(number) != number)
+  const bool isInRange = number >= 0 && number <= static_cast<double>(largestJsonInteger); // false for NaN
+  if (!isInRange || std::floor(number) != number)
     return std::nullopt;
   return static_cast<qint64>(number);
 }

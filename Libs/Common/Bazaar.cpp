@@ -243,7 +243,7 @@ bool ReadPreamble(QIODevice* device, Packet* packet)
   if (checksum.size() == 2)
     packet->headerChecksum = UnpackNumber<quint16>(checksum, 0);
   else
-    LOG(ERROR) << "Can't read a header checksum: " << 0 << std::endl;
+    LOG(ERROR) << "Can't read a header checksum: " << 0 << '\n';
   packet->headerSize = UnpackNumber<int>(size, 0);
   return packet->headerSize >= smallestHeader;
 }

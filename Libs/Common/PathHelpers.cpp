@@ -52,7 +52,7 @@ QString ExtractPathWith(const QString& extension, const QString& path)
 }
 
 template<typename Iterator>
-QString FindIdentifier(Iterator first, Iterator last)
+QString FindIdentifier(const Iterator& first, const Iterator& last)
 {
   const auto isIdentifier = [](const QStringRef& component)
   { return component.count(QLatin1Char('.')) >= 2; };
