@@ -229,6 +229,19 @@ TEST(Purger, EndsWhenNobodyListens)
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE) << status;
 }
 
+#ifdef __linux__
+TEST(Purger, FailsWhenItsOutputIsFull)
+{
+  QProcess process;
+  process.setStandardOutputFile(QStringLiteral("/dev/full"));
+  process.start(PurgerPath(), {QStringLiteral("--limit"), QStringLiteral("0")});
+  ASSERT_TRUE(process.waitForFinished());
+  EXPECT_EQ(process.exitCode(), EXIT_FAILURE);
+  EXPECT_EQ(process.readAllStandardError(),
+            "purger: cannot write to the standard output: No space left on device\n");
+}
+#endif
+
 TEST(Purger, IsDoneWhereAProcessMayNotHaveTheMemory)
 {
 #ifdef TAVRIK_SANITIZED

@@ -423,6 +423,15 @@ TEST_F(DiskToolTest, TheLibraryFindsTheRootWithItsSizes)
   EXPECT_LE(root.freeSize, root.totalSize);
 }
 
+TEST_F(DiskToolTest, FailsWhenItsOutputIsFull)
+{
+  HostProcess tool(folder + "/diskutil", {"list"});
+  tool.setStandardOutputFile("/dev/full");
+  tool.Begin();
+  EXPECT_EQ(1, tool.Finish());
+  EXPECT_EQ("diskutil: cannot write to the standard output: No space left on device\n", tool.Err());
+}
+
 TEST_F(DiskToolTest, EveryVolumeIsListedOnceAndKnownByItsIdentifierAndItsMountPoint)
 {
   QStringList identifiers;

@@ -49,9 +49,11 @@ public:
       return;
     told = percentage;
     next = Clock::now() + betweenLines;
-    // Nobody listens any more: then nobody waits for the memory either.
-    if (std::printf("PROGRESS: %d%%\n", percentage) < 0 || std::fflush(stdout) != 0)
-      std::exit(EXIT_FAILURE);
+    // Without a reader of the progress there is no host that waits for the memory.
+    if (std::printf("PROGRESS: %d%%\n", percentage) >= 0 && std::fflush(stdout) == 0)
+      return;
+    std::perror("purger: cannot write to the standard output");
+    std::exit(EXIT_FAILURE);
   }
 
 private:

@@ -206,5 +206,9 @@ int Run(const std::vector<std::string>& words)
 
 int main(int argc, char** argv)
 {
-  return StandIns::Run(std::vector<std::string>(argv + 1, argv + argc));
+  const int code = StandIns::Run(std::vector<std::string>(argv + 1, argv + argc));
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+    return code;
+  std::perror("diskutil: cannot write to the standard output");
+  return StandIns::failed;
 }
