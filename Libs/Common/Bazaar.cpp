@@ -62,10 +62,19 @@ namespace
 // ---- Names and periods ----------------------------------------------------------------------------------
 
 const QString userIdString = QLatin1Char(':') + QString::number(getuid());
-const QString pathToSocket = QDir(QDir::tempPath()).absolutePath() + QLatin1Char('/');
+
+// QDir::tempPath() is empty when the temporary folder does not exist, and QDir takes an empty path for the
+// current folder. Nothing can be created below /dev/null.
+QDir GetTemporaryFolder()
+{
+  const QString path = QDir::tempPath();
+  return QDir(path.isEmpty() ? QStringLiteral("/dev/null") : path);
+}
+
+const QString pathToSocket = GetTemporaryFolder().absolutePath() + QLatin1Char('/');
 // Not used by the bus itself.
 const QString baseServerName =
-    QDir(QDir::tempPath()).absoluteFilePath(QStringLiteral("tavrik:bazaar:ipc:1.0") + userIdString);
+    GetTemporaryFolder().absoluteFilePath(QStringLiteral("tavrik:bazaar:ipc:1.0") + userIdString);
 
 QSet<QPair<QString, QString>> usedContextAndClientPairs;
 boost::mutex usedContextAndClientPairsMutex;
