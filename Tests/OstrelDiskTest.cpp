@@ -2,6 +2,7 @@
 
 #include "ExitCodes.h"
 #include "Support/HostProcess.h"
+#include "Support/Programs.h"
 #include "Support/PseudoTerminal.h"
 #include "Support/ToolFolder.h"
 
@@ -11,7 +12,9 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QStorageInfo>
 
+#include <cmath>
 #include <csignal>
 
 using namespace Ostrel;
@@ -129,6 +132,71 @@ TEST_F(Disk, FindPrintsTheDiskOfThePath)
   EXPECT_EQ(object.keys(), (QStringList{"disk", "path"}));
   EXPECT_EQ(object["disk"].toObject()["name"].toString(), "Data");
 }
+
+TEST_F(Disk, FindDoesNotTakeTheBeginningOfANameForAFolder)
+{
+  const QString folder = QDir::tempPath() + "/ab";
+  ASSERT_TRUE(QDir().mkdir(folder));
+  tools.AddTool("diskutil", "case \"$1 $2\" in\n"
+                            "'list ') printf '  1: x disk0s1\\n  2: x disk0s2\\n' ;;\n"
+                            "'info disk0s1') " +
+                                Describe("System", "/", "", "") + " ;;\n'info disk0s2') " +
+                                Describe("A", QFile::encodeName(QDir::tempPath()) + "/a", "", "") +
+                                " ;;\nesac");
+  EXPECT_TRUE(RunDisk({"find", folder}).out.contains("System"));
+  EXPECT_TRUE(QDir().rmdir(folder));
+}
+
+QJsonObject Find(const QString& path)
+{
+  const Outcome outcome = RunDisk({"find", path, "--json"});
+  EXPECT_EQ(outcome.code, Done) << outcome.err.toStdString();
+  return QJsonDocument::fromJson(outcome.out).object()["disk"].toObject();
+}
+
+TEST_F(Disk, FindAsksTheSystemWhereTheToolDoesNotListTheFileSystem)
+{
+  const QString mountPoint = QStringLiteral("/dev/shm");
+  if (QStorageInfo(mountPoint).rootPath() != mountPoint)
+    GTEST_SKIP() << "there is no file system in memory at " << mountPoint.toStdString();
+  AddDisks();
+  const QJsonObject disk = Find(mountPoint);
+  EXPECT_EQ(disk["mountPoint"].toString(), mountPoint);
+  EXPECT_EQ(disk["name"].toString(), "shm");
+  EXPECT_EQ(disk["totalBytes"].toVariant().toLongLong(), QStorageInfo(mountPoint).bytesTotal());
+  EXPECT_EQ(Find("/proc/self")["mountPoint"].toString(), "/proc");
+}
+
+#ifdef __linux__
+TEST_F(Disk, ListAgreesWithDf)
+{
+  const Outcome probe = RunHost("df", {"--output=pcent", "-B1", "/"});
+  if (probe.code != 0)
+    GTEST_SKIP() << "this df has no --output";
+  // Other processes write meanwhile, so both are asked until they have seen the same.
+  const auto agrees = []
+  {
+    const QJsonArray disks =
+        QJsonDocument::fromJson(RunDisk({"list", "--json"}).out).object()["disks"].toArray();
+    EXPECT_FALSE(disks.isEmpty());
+    for (const QJsonValue& value : disks)
+    {
+      const QJsonObject disk = value.toObject();
+      const Outcome df =
+          RunHost("df", {"--output=size,avail,pcent", "-B1", "--", disk["mountPoint"].toString()});
+      const QList<QByteArray> fields = df.out.split('\n').value(1).simplified().split(' ');
+      const double free = disk["freeBytes"].toDouble();
+      const double tolerance = 0.01 * disk["totalBytes"].toDouble();
+      if (fields.value(0).toDouble() != disk["totalBytes"].toDouble() ||
+          std::abs(fields.value(1).toDouble() - free) > tolerance ||
+          fields.value(2) != QByteArray::number(disk["usedPercent"].toInt()) + '%')
+        return false;
+    }
+    return true;
+  };
+  EXPECT_TRUE(WaitFor(agrees));
+}
+#endif
 
 TEST_F(Disk, FindOfNothingIsToldPlainly)
 {

@@ -14,6 +14,8 @@
 #include <QFileInfo>
 #include <QJsonArray>
 
+#include <cmath>
+
 namespace Ostrel
 {
 
@@ -35,12 +37,10 @@ QJsonValue ToJson(long long size)
   return size < 0 ? QJsonValue() : QJsonValue(size);
 }
 
-// No value where the sizes are unknown or make no sense.
-std::optional<double> GetUsedPart(const StorageInfo& disk)
+// Rounded up, as df(1) does.
+int ToPercentage(double part)
 {
-  if (disk.totalSize <= 0 || disk.freeSize < 0 || disk.freeSize > disk.totalSize)
-    return {};
-  return static_cast<double>(disk.totalSize - disk.freeSize) / static_cast<double>(disk.totalSize);
+  return static_cast<int>(std::ceil(part * 100));
 }
 
 QJsonObject ToJson(const StorageInfo& disk)
@@ -50,7 +50,7 @@ QJsonObject ToJson(const StorageInfo& disk)
           {QStringLiteral("mountPoint"), disk.mountPoint},
           {QStringLiteral("totalBytes"), ToJson(disk.totalSize)},
           {QStringLiteral("freeBytes"), ToJson(disk.freeSize)},
-          {QStringLiteral("usedPercent"), used ? QJsonValue(static_cast<int>(*used * 100)) : QJsonValue()}};
+          {QStringLiteral("usedPercent"), used ? QJsonValue(ToPercentage(*used)) : QJsonValue()}};
 }
 
 QString ShowSize(long long size)
@@ -63,7 +63,7 @@ QString ShowUsed(const StorageInfo& disk, bool withBar)
   const std::optional<double> used = GetUsedPart(disk);
   if (!used)
     return Texts::tr("unknown");
-  const QString number = QStringLiteral("%1 %").arg(static_cast<int>(*used * 100));
+  const QString number = QStringLiteral("%1 %").arg(ToPercentage(*used));
   return withBar ? MakeBar(*used, barColumns) + QLatin1Char(' ') + number.rightJustified(5) : number;
 }
 
@@ -128,7 +128,7 @@ int RunFind(const Arguments& arguments)
   QList<StorageInfo> disks;
   if (const int failure = Load(disks))
     return failure;
-  const StorageInfo disk = Tavrik::Cleaner::FindDisk(disks, *path);
+  const StorageInfo disk = FindHoldingDisk(disks, *path);
   if (disk.mountPoint.isEmpty())
   {
     PrintError(Texts::tr("no disk holds %1").arg(ShowName(*path)));

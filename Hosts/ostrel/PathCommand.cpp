@@ -78,7 +78,7 @@ Explanation Explain(const QString& path, const QList<StorageInfo>& disks)
   explanation.canWrite = CanWrite(path);
   explanation.canRemove = CanRemove(path);
   explanation.canRemoveWhole = CanRemoveWholeDirectory(path);
-  explanation.disk = FindDisk(disks, path);
+  explanation.disk = FindHoldingDisk(disks, path);
   return explanation;
 }
 
