@@ -188,6 +188,21 @@ TEST_F(OstrelFirewallTest, TheJsonOfAnEditHasItsKeys)
       });
 }
 
+TEST_F(OstrelFirewallTest, SwitchesTakeTheWordsThatTheStatusPrints)
+{
+  RunWithSystemTool(
+      [](FakeFirewall& tool)
+      {
+        tool.Set({});
+        qputenv("LC_ALL", "de_DE.UTF-8");
+        qunsetenv("LANGUAGE");
+        EXPECT_THAT(RunVerb({"status"}).out.toStdString(), HasSubstr(": aus\n"));
+        EXPECT_EQ("set stealth=on\n", RunVerb({"set", "stealth=an", "--dry-run"}).out);
+        EXPECT_EQ(NothingToDo, RunVerb({"edit", "--set", "stealth=aus"}).code);
+        EXPECT_EQ(WrongUsage, RunVerb({"set", "stealth=an", "stealth=off"}).code);
+      });
+}
+
 TEST_F(OstrelFirewallTest, AToolThatFailsInTheMiddleIsADifference)
 {
   RunWithSystemTool(

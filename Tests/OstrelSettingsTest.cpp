@@ -59,8 +59,8 @@ const QList<Row>& GetRows()
                                    "-1",
                                    "1.5",
                                    "2GB",
-                                   "2 TB",
-                                   "1.5 kB",
+                                   "2 PB",
+                                   "2 GB\n",
                                    "x GB",
                                    " GB",
                                    "9223372036854775808",
@@ -74,6 +74,8 @@ const QList<Row>& GetRows()
                                                             {"2 GB", "2000000000"},
                                                             {"1,5 MB", "1500000"},
                                                             {"12 bytes", "12"},
+                                                            {"2 TB", "2000000000000"},
+                                                            {"1.5 kB", "1500"},
                                                             {"9223372036854775807", "9223372036854775807"}};
   static const QList<Row> rows{
       {"watch-trash", &KeyNeedToWatchTrash, "on", flags, noFlags},
@@ -153,6 +155,25 @@ TEST(Settings, AreSetReadAndUnsetByNameAndByKey)
     // Without a next event no previous one is read.
     RunSettings({"set", "next-event", "2026-12-31"});
   }
+}
+
+TEST(Settings, AcceptWhatIsListedInTheUsersLanguage)
+{
+  const QByteArray before = qgetenv("LC_ALL");
+  qputenv("LC_ALL", "de_DE.UTF-8");
+  qunsetenv("LANGUAGE");
+  const QList<QPair<const char*, QPair<const char*, const char*>>> values{
+      {"remind", {"aus", "off"}},          {"remind", {"an", "on"}},
+      {"free-ram-limit", {"7 %", "0.07"}}, {"trash-size-limit", {"12 Byte", "12"}},
+      {"next-event", {"keine", "none"}},   {"remind-period", {"J\xC3\xA4hrlich", "annually"}},
+      {"help-url", {"none", ""}}};
+  for (const auto& value : values)
+  {
+    const Outcome outcome = RunSettings({"set", value.first, QString::fromUtf8(value.second.first)});
+    EXPECT_EQ(outcome.code, Done) << outcome.err.toStdString();
+    EXPECT_EQ(Get(value.first), value.second.second) << value.first;
+  }
+  qputenv("LC_ALL", before);
 }
 
 TEST(Settings, RefuseWrongValuesAndKeepTheOldOnes)

@@ -27,19 +27,55 @@ TEST(SizeParse, PrintsBytesOnePerLine)
 
 TEST(SizeParse, TellsWhatCannotBeReadAndGoesOn)
 {
-  const Outcome outcome = RunSize({"parse", "7 TB", "1.5 kB", "1 MB", ""});
+  const Outcome outcome = RunSize({"parse", "7 PB", "1.5 k", "1 MB", ""});
   EXPECT_EQ(outcome.code, WrongUsage);
   EXPECT_EQ(outcome.out, "1000000\n");
-  EXPECT_TRUE(outcome.err.startsWith("ostrel: cannot read \"7 TB\": a size is written like"))
+  EXPECT_TRUE(outcome.err.startsWith("ostrel: cannot read \"7 PB\": a size is written like"))
       << outcome.err.toStdString();
   EXPECT_EQ(outcome.err.count('\n'), 3);
 }
 
+TEST(SizeParse, RefusesWhatIsNotASize)
+{
+  for (const char* text : {"2GB", "nan GB", "inf MB", "0x10 bytes", "1.0001 bytes", "-1 bytes", "--1 KB",
+                           "1e3 KB", " 1 KB", "1 KB ", "1 KB\n", "1.5", "1. KB", ".5 KB", "1 gb",
+                           "\xD9\xA1 KB", "bytes", "99999999999 GB", "9223372036854775808"})
+  {
+    const Outcome outcome = RunSize({"parse", "--", QString::fromUtf8(text)});
+    EXPECT_EQ(outcome.code, WrongUsage) << text;
+    EXPECT_EQ(outcome.out, "") << text;
+  }
+  for (const char* text : {"nan GHz", "2GHz", "0x1 MHz", "2 Ghz", "1000", "-1 MHz"})
+    EXPECT_EQ(RunSize({"parse", "--frequency", "--", text}).code, WrongUsage) << text;
+}
+
+TEST(SizeParse, AcceptsWhatTheProgramsPrint)
+{
+  EXPECT_EQ(RunSize({"parse", "1.0 kB", "2 TB", "1.5 TB", "12 Bytes", "1000"}).out,
+            "1000\n2000000000000\n1500000000000\n12\n1000\n");
+  for (const char* locale :
+       {"C", "de_DE.UTF-8", "es_ES.UTF-8", "fr_FR.UTF-8", "ja_JP.UTF-8", "ru_RU.UTF-8", "zh_CN.UTF-8"})
+  {
+    qputenv("LC_ALL", locale);
+    qunsetenv("LANGUAGE");
+    const QStringList numbers{"0", "999", "1000", "20500000", "7000000000"};
+    const Outcome texts = RunSize(QStringList{"format"} + numbers);
+    QStringList lines = QString::fromUtf8(texts.out).split('\n');
+    lines.removeLast();
+    EXPECT_EQ(RunSize(QStringList{"parse"} + lines).out, (numbers.join('\n') + '\n').toUtf8()) << locale;
+    const Outcome frequencies = RunSize({"format", "-f", "800000000", "2400000000"});
+    lines = QString::fromUtf8(frequencies.out).split('\n');
+    lines.removeLast();
+    EXPECT_EQ(RunSize(QStringList{"parse", "-f"} + lines).out, "800000000\n2400000000\n") << locale;
+  }
+  qputenv("LC_ALL", before);
+}
+
 TEST(SizeParse, InJsonHasNullForWhatCannotBeRead)
 {
-  const Outcome outcome = RunSize({"parse", "--json", "1 MB", "7 TB\n"});
+  const Outcome outcome = RunSize({"parse", "--json", "1 MB", "7 PB\n"});
   EXPECT_EQ(outcome.code, WrongUsage);
-  EXPECT_EQ(outcome.out, "{\"bytes\":1000000,\"text\":\"1 MB\"}\n{\"bytes\":null,\"text\":\"7 TB\\n\"}\n");
+  EXPECT_EQ(outcome.out, "{\"bytes\":1000000,\"text\":\"1 MB\"}\n{\"bytes\":null,\"text\":\"7 PB\\n\"}\n");
 }
 
 TEST(SizeParse, ReadsFrequencies)

@@ -266,10 +266,13 @@ int Verify(const FirewallPlan& differences, Output& output, Report& report)
 
 int RunEdit(const Arguments& arguments)
 {
-  const QString contradiction = FindContradiction(arguments.edit);
-  if (!contradiction.isEmpty())
+  FirewallEdit edit = arguments.edit;
+  QString mistake = TakeSettings(edit);
+  if (mistake.isEmpty())
+    mistake = FindContradiction(edit);
+  if (!mistake.isEmpty())
   {
-    PrintError(contradiction);
+    PrintError(mistake);
     return WrongUsage;
   }
   if (const int failure = RequireTool())
@@ -278,7 +281,7 @@ int RunEdit(const Arguments& arguments)
   Firewall& firewall = Firewall::GetInstance();
   const FirewallView before = Look(firewall);
   FirewallView wanted = before;
-  const QString problem = ApplyEdit(arguments.edit, wanted);
+  const QString problem = ApplyEdit(edit, wanted);
   if (!problem.isEmpty())
   {
     PrintError(problem);
@@ -319,21 +322,6 @@ QString ParsePath(const std::string& text)
   return DecodeUtf8(bytes);
 }
 
-void TakeSetting(const std::string& text, FirewallEdit& edit)
-{
-  const QString setting = DecodeUtf8(QByteArray::fromStdString(text));
-  const QString word = setting.section(QLatin1Char('='), 0, 0);
-  const QString value = setting.section(QLatin1Char('='), 1);
-  const std::size_t number = FindSwitch(word);
-  const bool isOn = value == QLatin1String("on");
-  if (number == switchCount || (!isOn && value != QLatin1String("off")))
-    throw CLI::ValidationError(
-        "KEY=on|off", "the keys are enabled, block-all, allow-signed and stealth, the values on and off");
-  if (edit.switches.value(number, isOn) != isOn)
-    throw CLI::ValidationError("KEY=on|off", "a key must not be set to both");
-  edit.switches.insert(number, isOn);
-}
-
 CLI::Option* AddPaths(CLI::App& verb, const std::string& option, QStringList& paths, const std::string& help)
 {
   return verb
@@ -356,7 +344,7 @@ CLI::Option* AddSettings(CLI::App& verb, const std::string& option, FirewallEdit
           [&edit](const std::vector<std::string>& texts)
           {
             for (const std::string& text : texts)
-              TakeSetting(text, edit);
+              edit.settings.append(DecodeUtf8(QByteArray::fromStdString(text)));
           },
           "A switch: enabled, block-all, allow-signed or stealth, on or off")
       ->type_name("KEY=on|off");

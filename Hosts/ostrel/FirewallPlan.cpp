@@ -2,6 +2,7 @@
 
 #include "SafeText.h"
 #include "Texts.h"
+#include "Values.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -98,6 +99,24 @@ std::size_t FindSwitch(const QString& word)
   while (number < switchCount && word != QLatin1String(firewallSwitches[number].word))
     ++number;
   return number;
+}
+
+QString TakeSettings(FirewallEdit& edit)
+{
+  for (const QString& setting : qAsConst(edit.settings))
+  {
+    const std::size_t number = FindSwitch(setting.section(QLatin1Char('='), 0, 0));
+    const std::optional<bool> isOn = ParseFlag(setting.section(QLatin1Char('='), 1));
+    if (number == switchCount || !isOn)
+      return Texts::tr("%1 is not a setting; the keys are enabled, block-all, allow-signed and stealth, the "
+                       "values on and off")
+          .arg(ShowName(setting));
+    if (edit.switches.value(number, *isOn) != *isOn)
+      return Texts::tr("%1 must not be set both on and off")
+          .arg(QLatin1String(firewallSwitches[number].word));
+    edit.switches.insert(number, *isOn);
+  }
+  return {};
 }
 
 QString FindContradiction(const FirewallEdit& edit)

@@ -63,8 +63,13 @@ struct FirewallEdit
   QStringList removed;
   QStringList blocked;
   QStringList unblocked;
+  QStringList settings; ///< "KEY=on|off" as written, which TakeSettings() turns into switches.
   QMap<std::size_t, bool> switches;
 };
+
+/** Adds the switches that are written in @p edit. @return What is wrong with them, in the user's language;
+ * empty when nothing is. */
+QString TakeSettings(FirewallEdit& edit);
 
 /** @return What contradicts itself in @p edit, in the user's language; empty when nothing does. */
 QString FindContradiction(const FirewallEdit& edit);

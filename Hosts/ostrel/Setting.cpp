@@ -2,6 +2,7 @@
 
 #include "SafeText.h"
 #include "Texts.h"
+#include "Values.h"
 
 #include <Common/FormatText.h>
 
@@ -10,7 +11,6 @@
 #include <QUrl>
 
 #include <array>
-#include <limits>
 #include <optional>
 
 namespace Ostrel
@@ -22,19 +22,6 @@ namespace
 {
 
 // Flags ---------------------------------------------------------------------------------------------------
-
-std::optional<bool> ParseFlag(const QString& text)
-{
-  static const QStringList on{QStringLiteral("on"), QStringLiteral("true"), QStringLiteral("yes"),
-                              QStringLiteral("1")};
-  static const QStringList off{QStringLiteral("off"), QStringLiteral("false"), QStringLiteral("no"),
-                               QStringLiteral("0")};
-  if (on.contains(text, Qt::CaseInsensitive))
-    return true;
-  if (off.contains(text, Qt::CaseInsensitive))
-    return false;
-  return {};
-}
 
 class FlagSetting : public Setting
 {
@@ -74,19 +61,6 @@ private:
 };
 
 // Sizes ---------------------------------------------------------------------------------------------------
-
-// The library reads what is no number as 0 and cuts what is too large; here both are errors.
-std::optional<long long> ParseBytes(const QString& text)
-{
-  static const QRegularExpression inBytes(QStringLiteral("^([0-9]+)( bytes)?$"));
-  static const QRegularExpression inUnits(QStringLiteral("^[0-9]+([.,][0-9]+)? (KB|MB|GB)$"));
-  constexpr long long largest = std::numeric_limits<long long>::max();
-  const QRegularExpressionMatch match = inBytes.match(text);
-  bool isNumber = inUnits.match(text).hasMatch();
-  const long long bytes = match.hasMatch() ? match.captured(1).toLongLong(&isNumber) : ParseSize(text);
-  const bool isCut = !match.hasMatch() && bytes == largest;
-  return isNumber && !isCut ? std::optional<long long>(bytes) : std::nullopt;
-}
 
 class SizeSetting : public Setting
 {
@@ -137,7 +111,7 @@ std::optional<float> ParseFraction(QString text)
   const bool isPercentage = text.endsWith(QLatin1Char('%'));
   if (isPercentage)
     text.chop(1);
-  static const QRegularExpression number(QStringLiteral("^[0-9]+([.,][0-9]+)?$"));
+  static const QRegularExpression number(QStringLiteral("^[0-9]+([.,][0-9]+)?\\z"));
   text = text.trimmed();
   if (!number.match(text).hasMatch())
     return {};
@@ -198,12 +172,12 @@ public:
 
   bool Set(Store& store, const QString& text) const override
   {
-    static const QRegularExpression form(QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}$"));
+    static const QRegularExpression form(QStringLiteral("^[0-9]{4}-[0-9]{2}-[0-9]{2}\\z"));
     const QDate date = QDate::fromString(text, Qt::ISODate);
     const bool isDate = form.match(text).hasMatch() && date.isValid();
-    if (isDate || text == QLatin1String("none"))
+    if (isDate || IsNone(text))
       (store.settings.*setter)(isDate ? date : QDate());
-    return isDate || text == QLatin1String("none");
+    return isDate || IsNone(text);
   }
 
   void Unset(Store& store) const override { (store.settings.*setter)(QDate()); }
@@ -243,12 +217,15 @@ public:
   bool Set(Store& store, const QString& text) const override
   {
     for (size_t i = 0; i < periodWords.size(); ++i)
-      if (text.compare(QLatin1String(periodWords.at(i)), Qt::CaseInsensitive) == 0 ||
-          text == QString::number(i))
-      {
-        store.settings.SetRegularMaintenanceRemindPeriod(static_cast<DaemonSettings::RemindPeriod>(i));
-        return true;
-      }
+    {
+      const auto period = static_cast<DaemonSettings::RemindPeriod>(i);
+      if (text.compare(QLatin1String(periodWords.at(i)), Qt::CaseInsensitive) != 0 &&
+          text.compare(store.settings.RemindPeriodToString(period), Qt::CaseInsensitive) != 0 &&
+          text != QString::number(i))
+        continue;
+      store.settings.SetRegularMaintenanceRemindPeriod(period);
+      return true;
+    }
     return false;
   }
 
@@ -297,10 +274,13 @@ public:
 
   bool Set(Store& store, const QString& text) const override
   {
-    const bool isFit = check(text);
-    if (isFit)
+    if (IsNone(text))
+      Unset(store);
+    else if (check(text))
       store.settings.WriteSettings(Key(), text);
-    return isFit;
+    else
+      return false;
+    return true;
   }
 
   void Unset(Store& store) const override { store.settings.WriteSettings(Key(), QString()); }

@@ -5,6 +5,7 @@
 #include "Output.h"
 #include "SafeText.h"
 #include "Texts.h"
+#include "Values.h"
 
 #include <Common/FormatText.h>
 
@@ -48,16 +49,15 @@ int RunParse(const Arguments& arguments)
     const std::optional<QString> text = ToText(argument);
     if (!text)
       return WrongUsage;
-    const long long number = arguments.isFrequency ? ParseFrequency(*text) : ParseSize(*text);
-    const bool isParsed = number != -1;
-    if (!isParsed)
+    const std::optional<long long> number = arguments.isFrequency ? ParseHertz(*text) : ParseBytes(*text);
+    if (!number)
     {
       PrintError(Texts::tr("cannot read %1: %2").arg(ShowName(*text), DescribeForms(arguments)));
       code = WrongUsage;
     }
-    if (isParsed || output.IsJson())
-      output.Print(QByteArray::number(number),
-                   {{QStringLiteral("text"), *text}, {GetKey(arguments), isParsed ? number : QJsonValue()}});
+    if (number || output.IsJson())
+      output.Print(QByteArray::number(number.value_or(0)),
+                   {{QStringLiteral("text"), *text}, {GetKey(arguments), number ? *number : QJsonValue()}});
   }
   return output.Combine(code);
 }
@@ -106,7 +106,7 @@ void AddSizeCommand(CLI::App& app, Command& command)
   const auto arguments = std::make_shared<Arguments>();
   CLI::App* parse = AddVerb(*size, "parse", "Print the bytes that texts such as \"2 GB\" stand for", command,
                             [arguments](Signals&) { return RunParse(*arguments); });
-  parse->add_option("TEXT", arguments->texts, "A number, a blank and bytes, KB, MB or GB")
+  parse->add_option("TEXT", arguments->texts, "A number, a blank and bytes, kB, MB, GB or TB, or bytes alone")
       ->required()
       ->type_name("");
   AddFrequency(*parse, *arguments);

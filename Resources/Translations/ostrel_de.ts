@@ -678,6 +678,14 @@
         <source>cannot look for applications in %1</source>
         <translation>kann in %1 nicht nach Programmen suchen</translation>
     </message>
+    <message>
+        <source>%1 is not a setting; the keys are enabled, block-all, allow-signed and stealth, the values on and off</source>
+        <translation>%1 ist keine Einstellung; die Schlüssel sind enabled, block-all, allow-signed und stealth, die Werte on und off</translation>
+    </message>
+    <message>
+        <source>%1 must not be set both on and off</source>
+        <translation>%1 darf nicht zugleich ein- und ausgeschaltet werden</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -678,6 +678,14 @@
         <source>cannot look for applications in %1</source>
         <translation>no se pueden buscar aplicaciones en %1</translation>
     </message>
+    <message>
+        <source>%1 is not a setting; the keys are enabled, block-all, allow-signed and stealth, the values on and off</source>
+        <translation>%1 no es un ajuste; las claves son enabled, block-all, allow-signed y stealth, y los valores on y off</translation>
+    </message>
+    <message>
+        <source>%1 must not be set both on and off</source>
+        <translation>%1 no se puede activar y desactivar a la vez</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

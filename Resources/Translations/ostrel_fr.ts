@@ -678,6 +678,14 @@
         <source>cannot look for applications in %1</source>
         <translation>impossible de chercher des applications dans %1</translation>
     </message>
+    <message>
+        <source>%1 is not a setting; the keys are enabled, block-all, allow-signed and stealth, the values on and off</source>
+        <translation>%1 n&apos;est pas un réglage ; les clés sont enabled, block-all, allow-signed et stealth, les valeurs on et off</translation>
+    </message>
+    <message>
+        <source>%1 must not be set both on and off</source>
+        <translation>%1 ne peut pas être à la fois activé et désactivé</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -678,6 +678,14 @@
         <source>cannot look for applications in %1</source>
         <translation>%1 の中のアプリケーションを探せません</translation>
     </message>
+    <message>
+        <source>%1 is not a setting; the keys are enabled, block-all, allow-signed and stealth, the values on and off</source>
+        <translation>%1 は設定ではありません。キーは enabled、block-all、allow-signed、stealth、値は on と off です</translation>
+    </message>
+    <message>
+        <source>%1 must not be set both on and off</source>
+        <translation>%1 を同時にオンとオフにすることはできません</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -678,6 +678,14 @@
         <source>cannot look for applications in %1</source>
         <translation>не удаётся искать программы в %1</translation>
     </message>
+    <message>
+        <source>%1 is not a setting; the keys are enabled, block-all, allow-signed and stealth, the values on and off</source>
+        <translation>%1 не является настройкой; ключи: enabled, block-all, allow-signed и stealth, значения: on и off</translation>
+    </message>
+    <message>
+        <source>%1 must not be set both on and off</source>
+        <translation>%1 нельзя одновременно включить и выключить</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

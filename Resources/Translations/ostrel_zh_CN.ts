@@ -678,6 +678,14 @@
         <source>cannot look for applications in %1</source>
         <translation>无法在 %1 中查找应用程序</translation>
     </message>
+    <message>
+        <source>%1 is not a setting; the keys are enabled, block-all, allow-signed and stealth, the values on and off</source>
+        <translation>%1 不是设置；键为 enabled、block-all、allow-signed 和 stealth，值为 on 和 off</translation>
+    </message>
+    <message>
+        <source>%1 must not be set both on and off</source>
+        <translation>不能同时打开和关闭 %1</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>
