@@ -30,7 +30,8 @@ QJsonObject MakeEvent(const char* event, QJsonObject fields)
 Scheduler::Scheduler(const SchedulerOptions& options, Signals& signalSource)
     : options(options),
       signalSource(signalSource),
-      output(options.json ? Format::Json : Format::Human),
+      output(options.json ? Format::Json : Format::Human,
+             options.once ? Writing::Blocking : Writing::InBackground),
       state(options.stateFile),
       watches(this->options, state)
 {
@@ -47,8 +48,7 @@ int Scheduler::Run()
     if (const int failure = state.Lock())
       return failure;
   state.Load(options.dryRun);
-  const int code = options.once || options.dryRun ? RunAlone() : RunOnBus();
-  return output.Status() != Done ? output.Status() : code;
+  return output.Finish(options.once || options.dryRun ? RunAlone() : RunOnBus());
 }
 
 int Scheduler::RunOnBus()

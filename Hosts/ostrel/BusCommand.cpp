@@ -1,6 +1,7 @@
 #include "BusCommand.h"
 
 #include "Arguments.h"
+#include "BackgroundWriter.h"
 #include "BusSession.h"
 #include "Doctor.h"
 #include "ExitCodes.h"
@@ -157,24 +158,32 @@ int RunMembers(BusOptions options, Signals& signalSource)
 
 // send ----------------------------------------------------------------------------------------------------
 
-class ResultPrinter : public QuietListener
+// The result is printed after the end of the session: a terminal that is stopped must not stop a bus that
+// this process serves.
+class ResultKeeper : public QuietListener
 {
 public:
-  ResultPrinter(BusSession& session, Output& output, const QString& recipient)
-      : session(session), output(output), recipient(recipient)
+  explicit ResultKeeper(BusSession& session) : session(session) {}
+
+  void OnResult(long long resultId, Error result, const QString& resultNote) override
   {
+    id = resultId;
+    error = result;
+    note = resultNote;
+    session.Leave(GetExitCode(result));
   }
 
-  void OnResult(long long id, Error result, const QString& note) override
+  void Print(Output& output, const QString& recipient) const
   {
-    output.Print(GetErrorString(result).toUtf8(), DescribeResult(id, recipient, result, note));
-    session.Leave(GetExitCode(result));
+    if (error)
+      output.Print(GetErrorString(*error).toUtf8(), DescribeResult(id, recipient, *error, note));
   }
 
 private:
   BusSession& session;
-  Output& output;
-  QString recipient;
+  long long id = 0;
+  std::optional<Error> error; // none before there is a result
+  QString note;
 };
 
 constexpr std::chrono::milliseconds resultTime{10000};
@@ -191,11 +200,12 @@ int RunSend(const Arguments& arguments, Signals& signalSource)
     options.timeout = resultTime;
   Output output(options.json ? Format::Json : Format::Human);
   BusSession session(options, signalSource);
-  const auto printer = std::make_shared<ResultPrinter>(session, output, arguments.recipient);
-  if (const int failure = session.Join(printer))
+  const auto keeper = std::make_shared<ResultKeeper>(session);
+  if (const int failure = session.Join(keeper))
     return failure;
   session.Bus().Say(arguments.recipient, payload);
   const int code = session.Run();
+  keeper->Print(output, arguments.recipient);
   if (code == TimedOut)
     PrintError(Texts::tr("no result came for the message to %1").arg(ShowName(arguments.recipient)));
   return output.Combine(code);
@@ -267,12 +277,13 @@ void PrintReady(Output& output, const BusOptions& options, const QString& client
 
 int RunListen(const Arguments& arguments, Signals& signalSource)
 {
-  Output output(arguments.bus.json ? Format::Json : Format::Human);
+  const BackgroundErrors errors; // others depend on the event loop of a participant that serves
+  Output output(arguments.bus.json ? Format::Json : Format::Human, Writing::InBackground);
   BusSession session(arguments.bus, signalSource);
   output.OnClosed([&session](int code) { session.Leave(code); });
   const auto printer = std::make_shared<EventPrinter>(output);
   if (const int failure = session.Join(printer))
-    return failure;
+    return output.Finish(failure);
   PrintReady(output, arguments.bus, session.ClientName());
 
   std::unique_ptr<SayReader> reader;
@@ -285,7 +296,7 @@ int RunListen(const Arguments& arguments, Signals& signalSource)
   }
 
   const int code = session.Run();
-  return output.Combine(code == TimedOut ? static_cast<int>(Done) : code);
+  return output.Finish(code == TimedOut ? static_cast<int>(Done) : code);
 }
 
 // wait ----------------------------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #include "NoticesCommand.h"
 
 #include "Arguments.h"
+#include "BackgroundWriter.h"
 #include "BusSession.h"
 #include "ExitCodes.h"
 #include "Messages.h"
@@ -260,17 +261,16 @@ private:
 
 int RunFollow(const Arguments& arguments, Signals& signalSource)
 {
-  Output output(arguments.bus.json ? Format::Json : Format::Human);
+  const BackgroundErrors errors; // others depend on the event loop of a participant that serves
+  Output output(arguments.bus.json ? Format::Json : Format::Human, Writing::InBackground);
   BusSession session(arguments.bus, signalSource);
   output.OnClosed([&session](int code) { session.Leave(code); });
   const auto follower = std::make_shared<Follower>(session, output);
   if (const int failure = session.Join(follower))
-    return failure;
+    return output.Finish(failure);
   follower->Begin();
   const int code = session.Run();
-  if (output.Status() != Done)
-    return output.Status();
-  return code == TimedOut ? static_cast<int>(Done) : code;
+  return output.Finish(code == TimedOut ? static_cast<int>(Done) : code);
 }
 
 // The command line ----------------------------------------------------------------------------------------

@@ -1,5 +1,7 @@
 #include "Output.h"
 
+#include "BackgroundWriter.h"
+#include "Descriptors.h"
 #include "ExitCodes.h"
 #include "SafeText.h"
 #include "Signals.h"
@@ -11,7 +13,6 @@
 #include <QJsonDocument>
 
 #include <cerrno>
-#include <poll.h>
 #include <unistd.h>
 
 namespace Ostrel
@@ -19,29 +20,8 @@ namespace Ostrel
 namespace
 {
 
-// A terminal that another program has made non-blocking refuses a write that it could take a moment later.
-bool WaitWritable(int file)
-{
-  pollfd watched = {file, POLLOUT, 0};
-  return poll(&watched, 1, -1) >= 0;
-}
-
-// 0 or the errno that ended it. A signal gives up: a reader that has stopped reading must not hold us.
-int WriteAll(int file, const QByteArray& bytes)
-{
-  int position = 0;
-  while (position < bytes.size())
-  {
-    const ssize_t written = write(file, bytes.constData() + position, bytes.size() - position);
-    if (written >= 0)
-      position += static_cast<int>(written);
-    else if (errno == EAGAIN && WaitWritable(file))
-      continue;
-    else if (errno != EINTR || Signals::Caught() != 0)
-      return errno;
-  }
-  return 0;
-}
+// How long the end of a program waits for lines that are written in the background.
+constexpr std::chrono::milliseconds longestFlush = std::chrono::seconds(5);
 
 // The length of a control character from U+007F to U+009F in well-formed UTF-8; 0 when there is none here.
 int GetLateControl(const QByteArray& text, int position)
@@ -59,6 +39,25 @@ int GetStatus(int error)
   if (error == EINTR)
     return EndedBySignal + Signals::Caught();
   return error == EPIPE ? OutputClosed : Failed;
+}
+
+// 0, or the exit code for the errno of a failed write, after the reason has been printed.
+int ReportFailure(int error)
+{
+  const int status = error == 0 ? static_cast<int>(Done) : GetStatus(error);
+  if (status == Failed)
+    PrintError(Texts::tr("cannot write to the standard output: %1").arg(ShowReason(error)));
+  return status;
+}
+
+BackgroundWriter::Describe DescribeGap(bool isJson)
+{
+  if (isJson)
+    return [](long long count) {
+      return ToJsonLine(MakeEvent(QStringLiteral("dropped"), {{QStringLiteral("count"), count}})) + '\n';
+    };
+  const QString text = Texts::tr("%1 lines were dropped because the output was not read");
+  return [text](long long count) { return text.arg(count).toUtf8() + '\n'; };
 }
 
 } // namespace
@@ -90,7 +89,14 @@ QByteArray ToJsonLine(const QJsonObject& object)
   return line.append(json.constData() + copied, json.size() - copied);
 }
 
-Output::Output(Format format) : format(format), isTerminal(isatty(STDOUT_FILENO) != 0) {}
+Output::Output(Format format, Writing writing) : format(format), isTerminal(isatty(STDOUT_FILENO) != 0)
+{
+  if (writing == Writing::InBackground)
+    writer = std::make_unique<BackgroundWriter>(STDOUT_FILENO, DescribeGap(IsJson()),
+                                                [this](int error) { Close(error); });
+}
+
+Output::~Output() = default;
 
 void Output::Print(const QByteArray& human, const QJsonObject& json)
 {
@@ -119,22 +125,51 @@ void Output::PrintLine(QByteArray line)
   if (status != Done)
     return;
   line += '\n';
-  if (const int error = WriteAll(STDOUT_FILENO, line))
+  if (writer)
+    writer->Write(line);
+  else if (const int error = WriteAll(STDOUT_FILENO, line))
     Close(error);
+}
+
+int Output::Finish(int code)
+{
+  const int error = writer ? writer->Flush(longestFlush) : 0;
+  if (error == ETIMEDOUT)
+  {
+    writer.reset();
+    PrintError(Texts::tr("the end of the output was not read"));
+    return code == Done ? static_cast<int>(Failed) : code;
+  }
+  if (error != 0 && status == Done)
+    Close(error);
+  return Combine(code);
 }
 
 void Output::Close(int error)
 {
-  status = GetStatus(error);
-  if (status == Failed)
-    PrintError(Texts::tr("cannot write to the standard output: %1").arg(ShowReason(error)));
+  status = ReportFailure(error);
   if (closedHandler)
     closedHandler(status);
 }
 
+int WriteOutput(const QByteArray& text)
+{
+  return ReportFailure(WriteAll(STDOUT_FILENO, text));
+}
+
+int CloseOutput(int code)
+{
+  const int failure = close(STDOUT_FILENO) == 0 ? static_cast<int>(Done) : ReportFailure(errno);
+  return code == Done ? failure : code;
+}
+
 void WriteError(const QString& text)
 {
-  WriteAll(STDERR_FILENO, text.toUtf8());
+  const QByteArray bytes = text.toUtf8();
+  if (!BackgroundErrors::IsActive())
+    WriteAll(STDERR_FILENO, bytes);
+  else if (write(STDERR_FILENO, bytes.constData(), static_cast<size_t>(bytes.size())) < 0)
+    return; // the pipe is full, and waiting would block the event loop
 }
 
 void PrintError(const QString& text)

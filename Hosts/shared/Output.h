@@ -5,12 +5,14 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 /** @file What the programs print: results on standard output, line by line, everything else on standard
  * error. */
 namespace Ostrel
 {
 
+class BackgroundWriter;
 class Table;
 
 /** How results are printed. */
@@ -20,16 +22,24 @@ enum class Format
   Json   ///< One JSON object per line and nothing else.
 };
 
+/** Whether a line that is not read at once blocks the program. */
+enum class Writing
+{
+  Blocking,
+  InBackground ///< For a program whose event loop others depend on: see BackgroundWriter.
+};
+
 /**
  * Standard output, a line at a time and written through at once, so that a reader sees each when it happens.
  *
  * When a line cannot be written the output is closed for good: later lines are dropped and the exit code
- * tells. Writing blocks while the reader is slow.
+ * tells.
  */
 class Output
 {
 public:
-  explicit Output(Format format);
+  explicit Output(Format format, Writing writing = Writing::Blocking);
+  ~Output();
 
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
@@ -52,6 +62,14 @@ public:
   /** @return Status(), for a line that was lost outweighs what else went well; else @p code. */
   int Combine(int code) const { return status != 0 ? status : code; }
 
+  /**
+   * Waits up to 5 s until what is written in the background is written. To be called once, after the last
+   * line.
+   *
+   * @return Combine() of @p code; Failed in place of Done when the time was not enough.
+   */
+  int Finish(int code);
+
   /** What to call when the output closes, with the exit code. */
   void OnClosed(std::function<void(int)> handler);
 
@@ -63,6 +81,7 @@ private:
   bool isTerminal;
   int status = 0;
   std::function<void(int)> closedHandler;
+  std::unique_ptr<BackgroundWriter> writer; // null when writing blocks
 };
 
 /** @return @p fields with the keys "event" and "time", which is now. */
@@ -70,6 +89,17 @@ QJsonObject MakeEvent(const QString& event, QJsonObject fields);
 
 /** @return @p object as one line of JSON without a line end, with no control character in it. */
 QByteArray ToJsonLine(const QJsonObject& object);
+
+/** Writes @p text to standard output as it is. @return Done, or the exit code after the reason has been
+ * printed. */
+int WriteOutput(const QByteArray& text);
+
+/**
+ * Closes standard output at the end of a program, because some file systems report a failed write only then.
+ *
+ * @return @p code, unless it is Done and the file system reports a failure.
+ */
+int CloseOutput(int code);
 
 /** Writes @p text, which must be safe to show, to standard error as it is. */
 void WriteError(const QString& text);

@@ -18,12 +18,13 @@ namespace
 
 const char* programName = "";
 
-// A descriptor below 3 that is missing would go to the next socket, and what is printed with it.
+// The number of a missing descriptor would go to the next socket, and what is printed with it. What takes its
+// place is open for the wrong direction, so that a result that cannot be printed is an error.
 void FillStandardDescriptors()
 {
   for (int file = STDIN_FILENO; file <= STDERR_FILENO; ++file)
     if (fcntl(file, F_GETFD) < 0)
-      open("/dev/null", O_RDWR);
+      open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
 // The pauses of an election are drawn from qrand(), which the bus never seeds: unseeded processes all pause

@@ -5,8 +5,8 @@ namespace Ostrel
 {
 
 /**
- * First of all in main(): gives the program its name, which PrintError() puts in front of errors, and opens
- * /dev/null for standard descriptors that are missing.
+ * First of all in main(): gives the program its name, which PrintError() puts in front of errors, and fills
+ * in standard descriptors that are missing: their use fails as that of a closed one does.
  */
 void BeginProgram(const char* name);
 

@@ -686,6 +686,14 @@
         <source>%1 must not be set both on and off</source>
         <translation>%1 darf nicht zugleich ein- und ausgeschaltet werden</translation>
     </message>
+    <message>
+        <source>%1 lines were dropped because the output was not read</source>
+        <translation>%1 Zeilen wurden verworfen, weil die Ausgabe nicht gelesen wurde</translation>
+    </message>
+    <message>
+        <source>the end of the output was not read</source>
+        <translation>das Ende der Ausgabe wurde nicht gelesen</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -686,6 +686,14 @@
         <source>%1 must not be set both on and off</source>
         <translation>%1 no se puede activar y desactivar a la vez</translation>
     </message>
+    <message>
+        <source>%1 lines were dropped because the output was not read</source>
+        <translation>se han descartado %1 líneas porque no se leía la salida</translation>
+    </message>
+    <message>
+        <source>the end of the output was not read</source>
+        <translation>el final de la salida no se ha leído</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -686,6 +686,14 @@
         <source>%1 must not be set both on and off</source>
         <translation>%1 ne peut pas être à la fois activé et désactivé</translation>
     </message>
+    <message>
+        <source>%1 lines were dropped because the output was not read</source>
+        <translation>%1 lignes ont été abandonnées parce que la sortie n&apos;était pas lue</translation>
+    </message>
+    <message>
+        <source>the end of the output was not read</source>
+        <translation>la fin de la sortie n&apos;a pas été lue</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

@@ -686,6 +686,14 @@
         <source>%1 must not be set both on and off</source>
         <translation>%1 を同時にオンとオフにすることはできません</translation>
     </message>
+    <message>
+        <source>%1 lines were dropped because the output was not read</source>
+        <translation>出力が読まれなかったため、%1 行が破棄されました</translation>
+    </message>
+    <message>
+        <source>the end of the output was not read</source>
+        <translation>出力の終わりが読まれませんでした</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

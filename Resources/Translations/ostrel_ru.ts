@@ -686,6 +686,14 @@
         <source>%1 must not be set both on and off</source>
         <translation>%1 нельзя одновременно включить и выключить</translation>
     </message>
+    <message>
+        <source>%1 lines were dropped because the output was not read</source>
+        <translation>отброшено строк: %1, так как вывод не читался</translation>
+    </message>
+    <message>
+        <source>the end of the output was not read</source>
+        <translation>конец вывода не был прочитан</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>

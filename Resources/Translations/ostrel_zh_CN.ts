@@ -686,6 +686,14 @@
         <source>%1 must not be set both on and off</source>
         <translation>不能同时打开和关闭 %1</translation>
     </message>
+    <message>
+        <source>%1 lines were dropped because the output was not read</source>
+        <translation>由于输出未被读取，丢弃了 %1 行</translation>
+    </message>
+    <message>
+        <source>the end of the output was not read</source>
+        <translation>输出的末尾未被读取</translation>
+    </message>
 </context>
 <context>
     <name>Tavrik::Ostrel::DaemonSettings</name>
