@@ -1,5 +1,6 @@
 #include "BusProbe.h"
 
+#include "BusPlace.h"
 #include "Signals.h"
 
 #include <Common/IOUtils.h>
@@ -267,11 +268,6 @@ Answer Listen(int socket, const QDeadlineTimer& deadline, QStringList& members)
 }
 
 } // namespace
-
-int GetLongestSocketPath()
-{
-  return static_cast<int>(sizeof(sockaddr_un::sun_path)) - 1;
-}
 
 ProbeResult Probe(const QString& socketPath, const QString& contextName, const QString& clientName,
                   const QDeadlineTimer& deadline)

@@ -39,7 +39,4 @@ struct ProbeResult
 ProbeResult Probe(const QString& socketPath, const QString& contextName, const QString& clientName,
                   const QDeadlineTimer& deadline);
 
-/** The longest path of a socket, in bytes. */
-int GetLongestSocketPath();
-
 } // namespace Ostrel

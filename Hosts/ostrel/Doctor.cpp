@@ -1,5 +1,6 @@
 #include "Doctor.h"
 
+#include "BusPlace.h"
 #include "BusProbe.h"
 #include "BusSession.h"
 #include "ExitCodes.h"
@@ -8,8 +9,6 @@
 #include "Signals.h"
 #include "Texts.h"
 
-#include <QCryptographicHash>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -86,8 +85,7 @@ struct Diagnosis
   Finding finding = Finding::Live;
   QString contextName;
   QString clientName;
-  QString folder;
-  QString fileName;
+  BusPlace place;
   int error = 0;             // of Unreachable and NoFolder
   uid_t userId = 0;          // of ForeignSocket
   QString linkTarget;        // of LinkInTheWay
@@ -95,17 +93,10 @@ struct Diagnosis
   QStringList members;       // without those who only look
   QList<ServedSocket> other; // buses of this name that are somewhere else
 
-  QString SocketPath() const { return folder + QLatin1Char('/') + fileName; }
+  QString SocketPath() const { return place.SocketPath(); }
 };
 
 // What is there ---------------------------------------------------------------------------------------------
-
-QString GetSocketFileName(const QString& contextName)
-{
-  const QString seed =
-      QStringLiteral("tavrik:bazaar:ipc:1.0:") + QString::number(getuid()) + QLatin1Char(':') + contextName;
-  return QString::fromLatin1(QCryptographicHash::hash(seed.toUtf8(), QCryptographicHash::Sha1).toHex());
-}
 
 bool LookAt(const QString& path, struct stat& status)
 {
@@ -118,11 +109,6 @@ bool IsSameFile(const QString& path, const QString& other)
   struct stat two = {};
   return path == other ||
          (LookAt(path, one) && LookAt(other, two) && one.st_dev == two.st_dev && one.st_ino == two.st_ino);
-}
-
-bool IsStranger(uid_t userId)
-{
-  return userId != getuid() && userId != geteuid() && userId != 0;
 }
 
 void NoteAnswer(Diagnosis& diagnosis, const ProbeResult& result)
@@ -190,32 +176,13 @@ void LookAtFile(Diagnosis& diagnosis)
     diagnosis.linkTarget = QFileInfo(path).symLinkTarget();
 }
 
-// The bus takes the current folder for a temporary one that is not there, and so meets nobody.
-QString GetFolder()
-{
-  const QString folder = QDir::tempPath();
-  return folder.isEmpty() ? QFile::decodeName(qgetenv("TMPDIR")) : QDir(folder).absolutePath();
-}
-
-// 0 or an errno: a participant makes files there.
-int CheckFolder(const QString& folder)
-{
-  struct stat status = {};
-  const QByteArray path = QFile::encodeName(folder);
-  if (stat(path.constData(), &status) != 0)
-    return errno;
-  if (!S_ISDIR(status.st_mode))
-    return ENOTDIR;
-  return access(path.constData(), W_OK | X_OK) == 0 ? 0 : errno;
-}
-
 // A server is found even when it does not answer or when nobody can reach it any more.
 void LookElsewhere(Diagnosis& diagnosis)
 {
   const QString path = diagnosis.SocketPath();
   const bool isAlone = diagnosis.finding == Finding::NoSocket || diagnosis.finding == Finding::StaleSocket;
   for (const ServedSocket& served :
-       FindServedSockets(diagnosis.fileName, QDeadlineTimer(searchTime, Qt::PreciseTimer)))
+       FindServedSockets(diagnosis.place.fileName, QDeadlineTimer(searchTime, Qt::PreciseTimer)))
   {
     if (!IsSameFile(served.path, path))
     {
@@ -239,13 +206,13 @@ Diagnosis Diagnose(const DoctorOptions& options)
   Diagnosis diagnosis;
   diagnosis.contextName = options.contextName;
   diagnosis.clientName = options.clientName;
-  diagnosis.folder = GetFolder();
-  diagnosis.fileName = GetSocketFileName(options.contextName);
+  diagnosis.place = GetBusPlace(options.contextName);
 
-  diagnosis.error = CheckFolder(diagnosis.folder);
-  if (QFile::encodeName(diagnosis.SocketPath()).size() > GetLongestSocketPath())
+  const ObstacleReport report = FindObstacle(diagnosis.place);
+  diagnosis.error = report.error;
+  if (report.obstacle == Obstacle::NameTooLong)
     diagnosis.finding = Finding::NameTooLong;
-  else if (diagnosis.error != 0)
+  else if (report.obstacle == Obstacle::NoFolder)
     diagnosis.finding = Finding::NoFolder;
   else
     LookAtFile(diagnosis);
@@ -326,14 +293,15 @@ QString Describe(const Diagnosis& diagnosis)
     return Texts::tr("The bus %1 is served in another temporary folder, %2, by %3. This process looks in %4. "
                      "TMPDIR must be the same for both.")
         .arg(bus, ShowFolder(diagnosis.other.first()), ShowProcess(diagnosis.other.first().pid),
-             ShowText(diagnosis.folder));
+             ShowText(diagnosis.place.folder));
   case Finding::SocketRemoved:
     return Texts::tr(
                "The bus %1 is served by %2, but its socket %3 has been removed: who comes now does not find "
                "it. Start that process again.")
         .arg(bus, ShowProcess(diagnosis.server), path);
   case Finding::NoFolder:
-    return Texts::tr("The temporary folder %1 cannot be used: %2.").arg(ShowText(diagnosis.folder), reason);
+    return Texts::tr("The temporary folder %1 cannot be used: %2.")
+        .arg(ShowText(diagnosis.place.folder), reason);
   case Finding::NotABus:
     return Texts::tr("%1 listens on the socket of the bus %2 but does not speak its language: %3.")
         .arg(ShowProcess(diagnosis.server), bus, path);
@@ -365,7 +333,7 @@ QJsonObject ToJson(const Diagnosis& diagnosis, const QString& text)
                      {QStringLiteral("text"), text},
                      {QStringLiteral("context"), diagnosis.contextName},
                      {QStringLiteral("socket"), diagnosis.SocketPath()},
-                     {QStringLiteral("temporaryFolder"), diagnosis.folder},
+                     {QStringLiteral("temporaryFolder"), diagnosis.place.folder},
                      {QStringLiteral("members"), QJsonArray::fromStringList(diagnosis.members)}};
   if (diagnosis.server != 0)
     object.insert(QStringLiteral("server"), ToJson(diagnosis.server));

@@ -1,5 +1,7 @@
 #include "BusSession.h"
 
+#include "BackgroundWriter.h"
+#include "BusPlace.h"
 #include "ExitCodes.h"
 #include "Output.h"
 #include "Payload.h"
@@ -8,8 +10,6 @@
 
 #include <QCoreApplication>
 #include <QRandomGenerator>
-
-#include <cstdlib>
 
 namespace Ostrel
 {
@@ -85,7 +85,7 @@ class BusSession::JoinGuard
 public:
   explicit JoinGuard(BusSession& session) : session(session)
   {
-    session.signalSource.OnSignal([](int number) { std::_Exit(EndedBySignal + number); });
+    session.signalSource.OnSignal([](int number) { BackgroundErrors::EndProcess(EndedBySignal + number); });
     const std::chrono::milliseconds limit = session.options.timeout.value_or(joinTime);
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
@@ -110,7 +110,7 @@ private:
         Texts::tr("%1 could not join the bus %2 within %3 s: the name is taken or the server does not "
                   "answer")
             .arg(ShowName(session.clientName), ShowName(session.options.contextName), InSeconds(limit)));
-    std::_Exit(NotJoined);
+    BackgroundErrors::EndProcess(NotJoined);
   }
 
   BusSession& session;
@@ -137,6 +137,8 @@ BusSession::~BusSession()
 
 int BusSession::Join(const std::shared_ptr<Listener>& listener)
 {
+  if (const int failure = ReportObstacle(options.contextName))
+    return failure;
   const JoinGuard guard(*this);
   if (const int failure = LookFirst())
     return failure;
@@ -239,7 +241,7 @@ void BusSession::EndWhenStuck(int code)
       [code, ticks = 0]() mutable
       {
         if (++ticks == stuckTicks)
-          std::_Exit(code);
+          BackgroundErrors::EndProcess(code);
       });
   stuckTimer.start(stuckInterval);
 }

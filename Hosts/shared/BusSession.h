@@ -53,7 +53,7 @@ public:
    * with the exit code NotJoined, and so is a signal that comes meanwhile. Nothing needs tidying up at that
    * point. One who is patient is ended by a signal alone.
    *
-   * @return Done, or NoBus or NameTaken after the reason has been printed.
+   * @return Done, NoBus, NameTaken or what ReportObstacle() returns, after the reason has been printed.
    */
   int Join(const std::shared_ptr<Tavrik::Bazaar::Listener>& listener);
 

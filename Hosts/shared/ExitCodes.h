@@ -24,12 +24,12 @@
  * | 25      | the server could not write the message to the recipient: NOT WRITTEN      |
  * | 26      | the server answered with a word that is not known: UNKNOWN               |
  * | 27      | bus doctor: a server that has gone left its socket behind                |
- * | 28      | bus doctor: a file, a folder or a link is where the socket belongs       |
- * | 29      | bus doctor: the socket is another user's                                 |
- * | 30      | bus doctor: the socket's name is too long for a socket's address         |
+ * | 28      | a folder is in the place of the socket; bus doctor: or a file or a link  |
+ * | 29      | the socket is another user's                                             |
+ * | 30      | the socket's name is too long for a socket's address                     |
  * | 31      | bus doctor: the bus is served in another temporary folder                |
  * | 32      | bus doctor: the socket of a living server has been removed               |
- * | 33      | bus doctor: the temporary folder is missing or cannot be used            |
+ * | 33      | the temporary folder is missing or cannot be used                        |
  * | 34      | bus doctor: whoever listens is no bus                                    |
  * | 128 + N | ended by signal N: 129 hang-up, 130 Ctrl-C, 143 terminated               |
  * | 141     | whoever read the output has closed it                                    |

@@ -687,6 +687,22 @@
         <translation>%1 darf nicht zugleich ein- und ausgeschaltet werden</translation>
     </message>
     <message>
+        <source>the name of the socket of the bus %1 has %2 bytes, more than the possible %3: %4; set TMPDIR to a folder with a shorter name</source>
+        <translation>der Name des Sockets des Busses %1 hat %2 Byte, mehr als die möglichen %3: %4; setzen Sie TMPDIR auf einen Ordner mit kürzerem Namen</translation>
+    </message>
+    <message>
+        <source>the temporary folder %1 cannot be used: %2; set TMPDIR to a folder of your own</source>
+        <translation>der temporäre Ordner %1 ist nicht zu gebrauchen: %2; setzen Sie TMPDIR auf einen eigenen Ordner</translation>
+    </message>
+    <message>
+        <source>a folder is in the place of the socket of the bus %1: %2; remove it</source>
+        <translation>an der Stelle des Sockets des Busses %1 liegt ein Ordner: %2; entfernen Sie ihn</translation>
+    </message>
+    <message>
+        <source>the socket of the bus %1 belongs to the user with the number %2: %3; set TMPDIR to a folder of your own</source>
+        <translation>der Socket des Busses %1 gehört dem Benutzer mit der Nummer %2: %3; setzen Sie TMPDIR auf einen eigenen Ordner</translation>
+    </message>
+    <message>
         <source>%1 lines were dropped because the output was not read</source>
         <translation>%1 Zeilen wurden verworfen, weil die Ausgabe nicht gelesen wurde</translation>
     </message>

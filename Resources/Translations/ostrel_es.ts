@@ -687,6 +687,22 @@
         <translation>%1 no se puede activar y desactivar a la vez</translation>
     </message>
     <message>
+        <source>the name of the socket of the bus %1 has %2 bytes, more than the possible %3: %4; set TMPDIR to a folder with a shorter name</source>
+        <translation>el nombre del socket del bus %1 tiene %2 bytes, más de los %3 posibles: %4; asigne a TMPDIR una carpeta con un nombre más corto</translation>
+    </message>
+    <message>
+        <source>the temporary folder %1 cannot be used: %2; set TMPDIR to a folder of your own</source>
+        <translation>la carpeta temporal %1 no se puede usar: %2; asigne a TMPDIR una carpeta propia</translation>
+    </message>
+    <message>
+        <source>a folder is in the place of the socket of the bus %1: %2; remove it</source>
+        <translation>en el lugar del socket del bus %1 hay una carpeta: %2; elimínela</translation>
+    </message>
+    <message>
+        <source>the socket of the bus %1 belongs to the user with the number %2: %3; set TMPDIR to a folder of your own</source>
+        <translation>el socket del bus %1 pertenece al usuario número %2: %3; asigne a TMPDIR una carpeta propia</translation>
+    </message>
+    <message>
         <source>%1 lines were dropped because the output was not read</source>
         <translation>se han descartado %1 líneas porque no se leía la salida</translation>
     </message>

@@ -687,6 +687,22 @@
         <translation>%1 ne peut pas être à la fois activé et désactivé</translation>
     </message>
     <message>
+        <source>the name of the socket of the bus %1 has %2 bytes, more than the possible %3: %4; set TMPDIR to a folder with a shorter name</source>
+        <translation>le nom du socket du bus %1 a %2 octets, plus que les %3 possibles : %4 ; donnez à TMPDIR un dossier au nom plus court</translation>
+    </message>
+    <message>
+        <source>the temporary folder %1 cannot be used: %2; set TMPDIR to a folder of your own</source>
+        <translation>le dossier temporaire %1 est inutilisable : %2 ; donnez à TMPDIR un dossier à vous</translation>
+    </message>
+    <message>
+        <source>a folder is in the place of the socket of the bus %1: %2; remove it</source>
+        <translation>à la place du socket du bus %1 se trouve un dossier : %2 ; supprimez-le</translation>
+    </message>
+    <message>
+        <source>the socket of the bus %1 belongs to the user with the number %2: %3; set TMPDIR to a folder of your own</source>
+        <translation>le socket du bus %1 appartient à l&apos;utilisateur numéro %2 : %3 ; donnez à TMPDIR un dossier à vous</translation>
+    </message>
+    <message>
         <source>%1 lines were dropped because the output was not read</source>
         <translation>%1 lignes ont été abandonnées parce que la sortie n&apos;était pas lue</translation>
     </message>

@@ -687,6 +687,22 @@
         <translation>%1 を同時にオンとオフにすることはできません</translation>
     </message>
     <message>
+        <source>the name of the socket of the bus %1 has %2 bytes, more than the possible %3: %4; set TMPDIR to a folder with a shorter name</source>
+        <translation>バス %1 のソケットの名前は %2 バイトで、上限の %3 バイトを超えています: %4。TMPDIR に名前の短いフォルダーを指定してください</translation>
+    </message>
+    <message>
+        <source>the temporary folder %1 cannot be used: %2; set TMPDIR to a folder of your own</source>
+        <translation>一時フォルダー %1 は使えません: %2。TMPDIR に自分のフォルダーを指定してください</translation>
+    </message>
+    <message>
+        <source>a folder is in the place of the socket of the bus %1: %2; remove it</source>
+        <translation>バス %1 のソケットの場所にフォルダーがあります: %2。削除してください</translation>
+    </message>
+    <message>
+        <source>the socket of the bus %1 belongs to the user with the number %2: %3; set TMPDIR to a folder of your own</source>
+        <translation>バス %1 のソケットは番号 %2 のユーザーのものです: %3。TMPDIR に自分のフォルダーを指定してください</translation>
+    </message>
+    <message>
         <source>%1 lines were dropped because the output was not read</source>
         <translation>出力が読まれなかったため、%1 行が破棄されました</translation>
     </message>

@@ -687,6 +687,22 @@
         <translation>%1 нельзя одновременно включить и выключить</translation>
     </message>
     <message>
+        <source>the name of the socket of the bus %1 has %2 bytes, more than the possible %3: %4; set TMPDIR to a folder with a shorter name</source>
+        <translation>имя сокета шины %1 занимает %2 байт, больше возможных %3: %4; укажите в TMPDIR папку с более коротким именем</translation>
+    </message>
+    <message>
+        <source>the temporary folder %1 cannot be used: %2; set TMPDIR to a folder of your own</source>
+        <translation>временную папку %1 нельзя использовать: %2; укажите в TMPDIR собственную папку</translation>
+    </message>
+    <message>
+        <source>a folder is in the place of the socket of the bus %1: %2; remove it</source>
+        <translation>на месте сокета шины %1 лежит папка: %2; удалите её</translation>
+    </message>
+    <message>
+        <source>the socket of the bus %1 belongs to the user with the number %2: %3; set TMPDIR to a folder of your own</source>
+        <translation>сокет шины %1 принадлежит пользователю с номером %2: %3; укажите в TMPDIR собственную папку</translation>
+    </message>
+    <message>
         <source>%1 lines were dropped because the output was not read</source>
         <translation>отброшено строк: %1, так как вывод не читался</translation>
     </message>

@@ -687,6 +687,22 @@
         <translation>不能同时打开和关闭 %1</translation>
     </message>
     <message>
+        <source>the name of the socket of the bus %1 has %2 bytes, more than the possible %3: %4; set TMPDIR to a folder with a shorter name</source>
+        <translation>总线 %1 的套接字名称有 %2 字节，超过上限 %3 字节：%4；请将 TMPDIR 设为名称较短的文件夹</translation>
+    </message>
+    <message>
+        <source>the temporary folder %1 cannot be used: %2; set TMPDIR to a folder of your own</source>
+        <translation>临时文件夹 %1 无法使用：%2；请将 TMPDIR 设为您自己的文件夹</translation>
+    </message>
+    <message>
+        <source>a folder is in the place of the socket of the bus %1: %2; remove it</source>
+        <translation>总线 %1 的套接字所在位置是一个文件夹：%2；请将其删除</translation>
+    </message>
+    <message>
+        <source>the socket of the bus %1 belongs to the user with the number %2: %3; set TMPDIR to a folder of your own</source>
+        <translation>总线 %1 的套接字属于编号为 %2 的用户：%3；请将 TMPDIR 设为您自己的文件夹</translation>
+    </message>
+    <message>
         <source>%1 lines were dropped because the output was not read</source>
         <translation>由于输出未被读取，丢弃了 %1 行</translation>
     </message>
