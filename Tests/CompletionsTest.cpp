@@ -11,6 +11,7 @@
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::Not;
 
 namespace
@@ -22,12 +23,12 @@ QByteArray Ask(const QString& program, const QStringList& arguments,
                const QString& folder = QDir::currentPath())
 {
   QProcess process;
-  process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   process.setWorkingDirectory(folder);
   process.setStandardInputFile(QProcess::nullDevice());
   process.start(program, arguments);
   EXPECT_TRUE(process.waitForFinished(60000));
   EXPECT_EQ(0, process.exitCode());
+  EXPECT_EQ("", process.readAllStandardError());
   return process.readAllStandardOutput();
 }
 
@@ -51,7 +52,12 @@ protected:
     QFile file(folder.filePath(QStringLiteral("script")));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(script);
+    QDir(folder.path()).mkdir(QStringLiteral("bin"));
+    ASSERT_TRUE(QFile::link(QStringLiteral(OSTREL), folder.filePath(QStringLiteral("bin/ostrel"))));
+    qputenv("PATH", folder.filePath(QStringLiteral("bin")).toUtf8() + ':' + path);
   }
+
+  void TearDown() override { qputenv("PATH", path); }
 
   // The candidates for the last of the words that begin with it, as all shells narrow them down by
   // themselves.
@@ -78,6 +84,7 @@ protected:
     return found;
   }
 
+  const QByteArray path = qgetenv("PATH");
   const QString shell = QString::fromLatin1(GetParam());
   QTemporaryDir folder;
 };
@@ -93,6 +100,13 @@ TEST_P(CompletionsTest, OffersTheOptionsOfTheVerb)
 {
   EXPECT_THAT(Complete({"ostrel", "bus", "send", "--f"}), ElementsAre("--file"));
   EXPECT_THAT(Complete({"ostrel", "bus", "listen", "--f"}), IsEmpty());
+}
+
+TEST_P(CompletionsTest, OffersTheOptionsThatBelongToAGroup)
+{
+  EXPECT_THAT(Complete({"ostrel", "firewall", "edit", "--"}),
+              IsSupersetOf({"--add", "--remove", "--block", "--unblock", "--set", "--dry-run", "--timeout"}));
+  EXPECT_THAT(Complete({"ostrel", "firewall", "edit", "--add", "scr"}), ElementsAre("script"));
 }
 
 TEST_P(CompletionsTest, DoesNotOfferWhatOnlyPackagesUse)
@@ -114,12 +128,7 @@ TEST_P(CompletionsTest, OffersWhoIsOnTheBus)
     events += member.readAllStandardOutput();
   ASSERT_TRUE(events.contains("ready"));
 
-  QDir(folder.path()).mkdir(QStringLiteral("bin"));
-  ASSERT_TRUE(QFile::link(QStringLiteral(OSTREL), folder.filePath(QStringLiteral("bin/ostrel"))));
-  const QByteArray path = qgetenv("PATH");
-  qputenv("PATH", folder.filePath(QStringLiteral("bin")).toUtf8() + ':' + path);
   EXPECT_THAT(Complete({"ostrel", "bus", "send", "gar"}), ElementsAre("gardener"));
-  qputenv("PATH", path);
 
   member.terminate();
   EXPECT_TRUE(member.waitForFinished());

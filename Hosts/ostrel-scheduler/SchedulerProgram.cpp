@@ -1,6 +1,8 @@
 #include "SchedulerProgram.h"
 
 #include "Arguments.h"
+#include "BackgroundWriter.h"
+#include "CommandLine.h"
 #include "Completions.h"
 #include "ExitCodes.h"
 #include "Output.h"
@@ -33,6 +35,10 @@ const char* const footer =
     "  1    failed; the reason is on standard error\n"
     "  2    the command line is wrong\n"
     "  21   this user has a scheduler already\n"
+    "  28   a folder is in the place of the socket of the bus\n"
+    "  29   the socket of the bus is another user's\n"
+    "  30   the name of the socket of the bus is too long\n"
+    "  33   the temporary folder is missing or cannot be used\n"
     "  129  hang-up, 130 Ctrl-C, 143 terminated\n"
     "  141  whoever read the output has closed it\n";
 
@@ -113,11 +119,11 @@ int RunSchedulerProgram(int argc, char** argv)
   AddCompletionsOption(app);
   try
   {
-    app.parse(argc, argv);
+    ParseCommandLine(app, argc, argv);
   }
   catch (const CLI::ParseError& error)
   {
-    return app.exit(error) == 0 ? Done : WrongUsage;
+    return CloseOutput(EndParsing(app, error));
   }
 
   QCoreApplication application(argc, argv);
@@ -125,9 +131,10 @@ int RunSchedulerProgram(int argc, char** argv)
   Signals signalSource;
   if (!Check(options))
     return WrongUsage;
+  const BackgroundErrors errors; // others depend on the event loop of a participant that serves
   FillIn(options);
   Scheduler scheduler(options, signalSource);
-  return scheduler.Run();
+  return CloseOutput(scheduler.Run());
 }
 
 } // namespace Ostrel

@@ -1,11 +1,13 @@
 #include "Program.h"
 
 #include "BusCommand.h"
+#include "CommandLine.h"
 #include "Completions.h"
 #include "DiskCommand.h"
 #include "ExitCodes.h"
 #include "FirewallCommand.h"
 #include "NoticesCommand.h"
+#include "Output.h"
 #include "PathCommand.h"
 #include "RAMCommand.h"
 #include "SettingsCommand.h"
@@ -41,7 +43,7 @@ const char* const exitCodes =
     "  24   NOT SENT\n"
     "  25   NOT WRITTEN\n"
     "  26   UNKNOWN\n"
-    "  27 to 34  what \"bus doctor\" found; see there\n"
+    "  27 to 34  what is wrong with the socket; see \"bus doctor --help\"\n"
     "  129  hang-up, 130 Ctrl-C, 143 terminated\n"
     "  141  whoever read the output has closed it\n";
 
@@ -72,25 +74,25 @@ int RunProgram(int argc, char** argv)
   try
   {
     // Before the application object, which sets the user's locale: numbers are read the same way everywhere.
-    app.parse(argc, argv);
+    ParseCommandLine(app, argc, argv);
   }
   catch (const CLI::CallForVersion& call)
   {
     if (verbosity == 0)
-      return app.exit(call);
+      return CloseOutput(EndParsing(app, call));
     const QCoreApplication application(argc, argv);
     SetUpProgram(0);
-    return PrintVersions();
+    return CloseOutput(PrintVersions());
   }
   catch (const CLI::ParseError& error)
   {
-    return app.exit(error) == 0 ? Done : WrongUsage;
+    return CloseOutput(EndParsing(app, error));
   }
 
   QCoreApplication application(argc, argv);
   SetUpProgram(verbosity);
   Signals signalSource;
-  return command ? command(signalSource) : static_cast<int>(WrongUsage);
+  return CloseOutput(command ? command(signalSource) : static_cast<int>(WrongUsage));
 }
 
 } // namespace Ostrel

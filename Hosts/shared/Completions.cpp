@@ -1,10 +1,12 @@
 #include "Completions.h"
 
+#include "CommandLine.h"
+#include "Output.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <functional>
-#include <iostream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -119,19 +121,13 @@ Value GetValue(const CLI::Option& option)
   return GetValue(option.get_positional() ? option.get_name(true) + ' ' + type : type);
 }
 
-bool IsHidden(const CLI::Option& option)
-{
-  return option.get_group().empty();
-}
-
 void AddOptions(const CLI::App& app, Place* place)
 {
   for (const CLI::Option* option : app.get_options())
-  {
     if (option->get_positional() && !place->operand)
       place->operand = GetValue(*option);
-    if (IsHidden(*option) || !option->nonpositional())
-      continue;
+  for (const CLI::Option* option : GetShownOptions(app))
+  {
     Option entry{option->get_snames(), option->get_lnames(), option->get_description(), {}};
     if (option->get_items_expected_max() > 0)
       entry.value = GetValue(*option);
@@ -144,7 +140,7 @@ void AddPlaces(const CLI::App& app, const std::string& path, std::vector<Place>*
   Place place;
   place.path = path;
   AddOptions(app, &place);
-  const std::vector<const CLI::App*> verbs = app.get_subcommands([](const CLI::App*) { return true; });
+  const std::vector<const CLI::App*> verbs = GetVerbs(app);
   for (const CLI::App* verb : verbs)
     place.verbs.emplace_back(verb->get_name(), verb->get_description());
   places->push_back(place);
@@ -406,8 +402,8 @@ void AddCompletionsOption(CLI::App& app)
            const std::string script = MakeCompletions(app, shell);
            if (script.empty())
              throw CLI::ValidationError("--completions", "there are completions for bash, zsh and fish");
-           std::cout << script << std::flush;
-           throw CLI::Success();
+           const int failure = WriteOutput(QByteArray::fromStdString(script));
+           throw CLI::RuntimeError(failure);
          })
       ->trigger_on_parse()
       ->group("");
