@@ -7,6 +7,8 @@
 
 #include <QDir>
 
+#include <csignal>
+
 using namespace Ostrel;
 
 namespace
@@ -170,8 +172,7 @@ protected:
         {ostrel, {"bus", "listen", "--name", "bob", "--timeout", "20"}},
         {ostrel, {"bus", "wait", "bob", "--timeout", "20"}},
         {ostrel, {"notices"}},
-        {ostrel, {"notices", "--follow", "--timeout", "20"}},
-        {scheduler, {"--trash", work, "--applications", work, "--interval", "3600"}}};
+        {ostrel, {"notices", "--follow", "--timeout", "20"}}};
     for (const auto& line : lines)
     {
       const Outcome outcome = Run(line.first, line.second, folder);
@@ -192,6 +193,20 @@ TEST_F(Place, IsMissingWithoutATemporaryFolder)
   ExpectFromAll(FolderUnusable,
                 ": the temporary folder " + missing.toUtf8() + " cannot be used: No such file or directory",
                 missing);
+}
+
+TEST_F(Place, ThatIsMissingIsReportedByASchedulerThatGoesOn)
+{
+  HostProcess process(scheduler, {"--json", "--trash", work, "--applications", work});
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("TMPDIR", QDir::tempPath() + "/missing");
+  process.setProcessEnvironment(environment);
+  process.setWorkingDirectory(work);
+  process.Begin();
+  EXPECT_TRUE(process.WaitForError("ostrel-scheduler: the temporary folder "));
+  EXPECT_FALSE(process.WaitForEvent({{"event", "looked"}}).isEmpty());
+  process.Signal(SIGTERM);
+  EXPECT_EQ(process.Finish(), EndedBySignal + SIGTERM);
 }
 
 TEST_F(Place, IsMissingInATemporaryFolderThatIsAFile)

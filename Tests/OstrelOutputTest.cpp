@@ -57,7 +57,8 @@ protected:
   void TearDown() override
   {
     QFile::remove(payload);
-    reader.Signal(SIGCONT);
+    if (reader.state() != QProcess::NotRunning)
+      reader.Signal(SIGCONT);
   }
 
   void Fill()

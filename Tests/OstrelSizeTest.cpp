@@ -53,6 +53,7 @@ TEST(SizeParse, AcceptsWhatTheProgramsPrint)
 {
   EXPECT_EQ(RunSize({"parse", "1.0 kB", "2 TB", "1.5 TB", "12 Bytes", "1000"}).out,
             "1000\n2000000000000\n1500000000000\n12\n1000\n");
+  const QByteArray before = qgetenv("LC_ALL");
   for (const char* locale :
        {"C", "de_DE.UTF-8", "es_ES.UTF-8", "fr_FR.UTF-8", "ja_JP.UTF-8", "ru_RU.UTF-8", "zh_CN.UTF-8"})
   {

@@ -35,10 +35,6 @@ const char* const footer =
     "  1    failed; the reason is on standard error\n"
     "  2    the command line is wrong\n"
     "  21   this user has a scheduler already\n"
-    "  28   a folder is in the place of the socket of the bus\n"
-    "  29   the socket of the bus is another user's\n"
-    "  30   the name of the socket of the bus is too long\n"
-    "  33   the temporary folder is missing or cannot be used\n"
     "  129  hang-up, 130 Ctrl-C, 143 terminated\n"
     "  141  whoever read the output has closed it\n";
 

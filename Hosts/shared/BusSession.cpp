@@ -137,8 +137,9 @@ BusSession::~BusSession()
 
 int BusSession::Join(const std::shared_ptr<Listener>& listener)
 {
-  if (const int failure = ReportObstacle(options.contextName))
-    return failure;
+  const int obstacle = ReportObstacle(options.contextName);
+  if (obstacle != Done && !options.isPatient)
+    return obstacle;
   const JoinGuard guard(*this);
   if (const int failure = LookFirst())
     return failure;

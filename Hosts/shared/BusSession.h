@@ -51,7 +51,8 @@ public:
    *
    * A bus that does not let this participant in would hold it for ever; then the process is ended from here,
    * with the exit code NotJoined, and so is a signal that comes meanwhile. Nothing needs tidying up at that
-   * point. One who is patient is ended by a signal alone.
+   * point. A patient participant is ended by a signal alone; it reports what keeps it from joining once, and
+   * waits.
    *
    * @return Done, NoBus, NameTaken or what ReportObstacle() returns, after the reason has been printed.
    */
