@@ -1,13 +1,13 @@
 // Packets, made and read back, beside a bare checksum of the same bytes. A packet's body is summed once when
 // it is made and once when it is read, so both of it stand beside two checksums.
 
-#include <Common/Bazaar.cpp>
+#include <Common/Bazaar/PacketReader.h>
 
 #include <benchmark/benchmark.h>
 
 #include <QBuffer>
 
-namespace Tavrik::Bazaar
+namespace Tavrik::Bazaar::Details
 {
 namespace
 {
@@ -64,6 +64,6 @@ BENCHMARK(TwoChecksumsOfCopies)->Arg(64)->Arg(4096)->Arg(1 << 20);
 BENCHMARK(MakeAndReadBack)->Arg(64)->Arg(4096)->Arg(1 << 20);
 
 } // namespace
-} // namespace Tavrik::Bazaar
+} // namespace Tavrik::Bazaar::Details
 
 BENCHMARK_MAIN();

@@ -1,7 +1,7 @@
 // The packet reader and the intake, held against a second reader, over a connection whose bytes come in the
 // script's pieces. A step of kind 0 brings its bytes, any other is a wait that runs out.
 
-#include <Common/Bazaar.cpp>
+#include <Common/Bazaar/PacketReader.h>
 
 #include "Support/LogCapture.h"
 #include "Support/Require.h"
@@ -10,7 +10,7 @@
 
 #include <optional>
 
-namespace Tavrik::Bazaar
+namespace Tavrik::Bazaar::Details
 {
 namespace
 {
@@ -258,7 +258,7 @@ void TakeInPieces(const Pieces& pieces)
                                                   });
 
   Connection connection(pieces);
-  Details::Intake intake;
+  Intake intake;
   QList<QByteArray> taken;
   while (!connection.later.isEmpty())
   {
@@ -279,14 +279,14 @@ void TakeInPieces(const Pieces& pieces)
 }
 
 } // namespace
-} // namespace Tavrik::Bazaar
+} // namespace Tavrik::Bazaar::Details
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-  Tavrik::Bazaar::Pieces pieces;
+  Tavrik::Bazaar::Details::Pieces pieces;
   for (const Script::Step& step : Script::Read(data, size))
     pieces.append(step.kind == 0 ? step.bytes : QByteArray());
-  Tavrik::Bazaar::ReadWithBoth(pieces);
-  Tavrik::Bazaar::TakeInPieces(pieces);
+  Tavrik::Bazaar::Details::ReadWithBoth(pieces);
+  Tavrik::Bazaar::Details::TakeInPieces(pieces);
   return 0;
 }

@@ -271,7 +271,7 @@ def judge(tree, mutant):
 def choose(root, generator, only):
     """Every mutant once, in an order that does not drown the small files in the large."""
     sources = sorted((root / "Libs/Common").glob("*.cpp"))
-    for folder in ("Platform", "Platform/Linux"):
+    for folder in ("Bazaar", "Platform", "Platform/Linux"):
         sources += sorted((root / "Libs/Common" / folder).glob("*.cpp"))
     found = {}
     for source in sources:

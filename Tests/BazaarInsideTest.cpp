@@ -171,7 +171,7 @@ TEST(ReadPacket, OfNothingWaitsASecondAndReportsTheHeaderSize)
   EXPECT_EQ(stream.waits, (QList<int>{1000, 500}));
   EXPECT_THAT(log.Errors(),
               ElementsAre("Could't read 4 bytes. Have read only 0 (TIMEOUT)", "Can't read a header size: 0"));
-  EXPECT_EQ(log.Lines().back().file, "Bazaar.cpp");
+  EXPECT_EQ(log.Lines().back().file, "PacketReader.cpp");
 }
 
 TEST(ReadPacket, WaitsForEachPartAsLongAsItMay)

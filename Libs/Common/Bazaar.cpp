@@ -12,9 +12,9 @@
 
 #include <Common/Bazaar.h>
 
+#include <Common/Bazaar/PacketReader.h>
 #include <Common/Platform/LocalPeer.h>
 
-#include <QBuffer>
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -54,6 +54,7 @@
 namespace Tavrik::Bazaar
 {
 
+using namespace Details;
 using SteadyClock = boost::chrono::steady_clock;
 
 namespace
@@ -82,7 +83,6 @@ boost::mutex usedContextAndClientPairsMutex;
 const int tickPeriod = 20;               // ms, of both timers
 const int serverTimeout = 3000;          // ms, for a server that may not exist to accept
 const int ownServerTimeout = 30000;      // ms, for a server that must exist to accept
-const int transferTimeout = 30000;       // ms, for bytes of one transfer to move
 const int introductionTimeout = 50;      // ms, for another look at an introduction that is not there whole
 const int lockTimeout = 3000;            // ms, for another participant's start-up to end
 const int heartbeat = 100;               // ms, between two looks at whether the server still lives
@@ -91,14 +91,9 @@ const int writeOutTimeout = 3000;        // ms without progress, after which unw
 const long long settleTime = 300000000;  // ns after a connection before anything is sent
 const long long readingTime = 100000000; // ns that one tick may spend on reading
 const int smallestIntroduction = 30;     // bytes
-const int smallestPacket = 48;           // bytes that must wait before a tick reads
-const int smallestHeader = 14;           // bytes
-const int smallestBody = 4;              // bytes
-const int largestArray = std::numeric_limits<int>::max() - 64; // bytes that one QByteArray holds for sure
-const qint64 longestGlance = 65536; // bytes of garbage that are looked through at once
-const int smallestReadAhead = 4096; // bytes that Qt may read ahead where packets are limited
-const int warningPeriod = 10000;    // ms in which a limit's breaches are told once
-const int longestShownName = 64;    // bytes of a name in such a line
+const int smallestReadAhead = 4096;      // bytes that Qt may read ahead where packets are limited
+const int warningPeriod = 10000;         // ms in which a limit's breaches are told once
+const int longestShownName = 64;         // bytes of a name in such a line
 
 // ---- Limits ---------------------------------------------------------------------------------------------
 
@@ -107,410 +102,10 @@ using LimitField = long long Limits::*;
 Limits processLimits;
 boost::mutex processLimitsMutex;
 
-// ---- Packets --------------------------------------------------------------------------------------------
-
-const char rawSignature[] = "<TAVRIK:BAZAAR:IPC:1.0>";
-const QByteArray signature(rawSignature);
-const QByteArray commandStatus("STATUS");
-const QByteArray commandResult("RESULT");
-const QByteArray commandMessage("MESSAGE");
-
-const int preambleSize = 29; // signature, header length, header checksum
-
-struct Packet
-{
-  int headerSize = 0;
-  quint16 headerChecksum = 0;
-  QByteArray contextName;
-  QByteArray command;
-  int bodySize = 0;
-  quint16 bodyChecksum = 0;
-  QByteArray body;
-};
-
-struct BodyMessage
-{
-  long long id = 0;
-  QByteArray first;
-  QByteArray second;
-};
-
-struct BodyStatus
-{
-  QVector<QByteArray> members;
-};
-
-// Bytes that are not there read as zero.
-template<typename Number>
-Number UnpackNumber(const QByteArray& data, long long offset)
-{
-  unsigned long long number = 0;
-  for (long long i = sizeof(Number) - 1; i >= 0; --i)
-  {
-    const long long position = offset + i;
-    const bool isThere = position >= 0 && position < data.size();
-    number = number << 8 | (isThere ? static_cast<unsigned char>(data.at(static_cast<int>(position))) : 0u);
-  }
-  return static_cast<Number>(number);
-}
-
-quint16 Checksum(const QByteArray& data)
-{
-  return qChecksum(data.constData(), static_cast<uint>(data.size()));
-}
-
-// A length and that many bytes, at `offset`; false when they are not all there.
-bool UnpackBytes(const QByteArray& data, long long offset, QByteArray* bytes)
-{
-  if (data.size() < offset + 4)
-    return false;
-  const int length = UnpackNumber<int>(data, offset);
-  if (length < 0 || data.size() - offset - 4 < length)
-    return false;
-  *bytes = data.mid(static_cast<int>(offset + 4), length);
-  return true;
-}
-
-QByteArray CreatePacket(const QByteArray& contextName, const QByteArray& command, const QByteArray& body)
-{
-  QByteArray header;
-  header.reserve(smallestHeader + contextName.size() + command.size());
-  header += PackNumber(contextName.size());
-  header += contextName;
-  header += PackNumber(command.size());
-  header += command;
-  header += PackNumber(body.size());
-  header += CalcCRC(body);
-
-  QByteArray packet;
-  packet.reserve(preambleSize + header.size() + body.size());
-  packet += signature;
-  packet += PackNumber(header.size());
-  packet += CalcCRC(header);
-  packet += header;
-  packet += body;
-  return packet;
-}
-
-QByteArray CreateBodyMessage(long long id, const QByteArray& first, const QByteArray& second)
-{
-  QByteArray body;
-  body.reserve(16 + first.size() + second.size());
-  body += PackNumber(id);
-  body += PackNumber(first.size());
-  body += first;
-  body += PackNumber(second.size());
-  body += second;
-  return body;
-}
-
-QByteArray CreateBodyStatus(const QList<QByteArray>& names)
-{
-  QByteArray body = PackNumber(names.size());
-  for (const QByteArray& name : names)
-    body += PackNumber(name.size()) + name;
-  return body;
-}
-
-// The packet of a message, or nothing when it would be larger than `largest`.
-QByteArray CreateMessagePacket(const QByteArray& contextName, long long id, const QByteArray& name,
-                               const QByteArray& data, long long largest = largestArray)
-{
-  const long long size = 16LL + name.size() + data.size() + preambleSize + smallestHeader +
-                         contextName.size() + commandMessage.size();
-  return size > largest ? QByteArray()
-                        : CreatePacket(contextName, commandMessage, CreateBodyMessage(id, name, data));
-}
-
-bool FindSignature(QIODevice* device)
-{
-  int matched = 0;
-  while (matched < signature.size())
-  {
-    if (device->bytesAvailable() == 0 && !device->waitForReadyRead(1000))
-      return true; // the header that does not come ends the attempt
-    const QByteArray byte = ReadDataWithTimeout(device, 1, transferTimeout);
-    if (byte.isEmpty())
-      return false;
-    if (byte.at(0) == signature.at(matched))
-      ++matched;
-    else
-      matched = byte.at(0) == signature.at(0) ? 1 : 0;
-  }
-  return true;
-}
-
-bool ReadPreamble(QIODevice* device, Packet* packet)
-{
-  const QByteArray size = ReadDataWithTimeout(device, 4, 500);
-  if (size.size() != 4)
-  {
-    LOG(ERROR) << "Can't read a header size: " << 0;
-    return false;
-  }
-  const QByteArray checksum = ReadDataWithTimeout(device, 2, 500);
-  if (checksum.size() == 2)
-    packet->headerChecksum = UnpackNumber<quint16>(checksum, 0);
-  else
-    LOG(ERROR) << "Can't read a header checksum: " << 0 << '\n';
-  packet->headerSize = UnpackNumber<int>(size, 0);
-  return packet->headerSize >= smallestHeader;
-}
-
-bool ParseHeader(const QByteArray& header, Packet* packet)
-{
-  if (!UnpackBytes(header, 0, &packet->contextName))
-  {
-    LOG(ERROR) << "Can't parse a context name";
-    return false;
-  }
-  const long long rest = packet->contextName.size() + 4LL;
-  if (!UnpackBytes(header, rest, &packet->command))
-  {
-    LOG(ERROR) << "Can't parse a command";
-    return false;
-  }
-  const long long tail = rest + 4 + packet->command.size();
-  packet->bodySize = UnpackNumber<int>(header, tail);
-  packet->bodyChecksum = UnpackNumber<quint16>(header, tail + 4);
-  return true;
-}
-
-bool HasBody(const Packet& packet)
-{
-  return !packet.command.isEmpty() && packet.bodySize >= smallestBody;
-}
-
-Packet ReadPacket(QIODevice* device)
-{
-  Packet packet;
-  if (!FindSignature(device) || !ReadPreamble(device, &packet))
-    return packet;
-
-  const QByteArray header = ReadDataWithTimeout(device, packet.headerSize, transferTimeout);
-  const quint16 headerChecksum = Checksum(header);
-  if (headerChecksum != packet.headerChecksum)
-  {
-    LOG(ERROR) << "Invalid header checksum " << headerChecksum << " (expected: " << packet.headerChecksum
-               << ")";
-    return packet;
-  }
-  if (!ParseHeader(header, &packet) || !HasBody(packet))
-    return packet;
-
-  const QByteArray body = ReadDataWithTimeout(device, packet.bodySize, transferTimeout);
-  const quint16 bodyChecksum = Checksum(body);
-  if (bodyChecksum == packet.bodyChecksum)
-    packet.body = body;
-  else
-    LOG(ERROR) << "Invalid body checksum " << bodyChecksum << " (expected: " << packet.bodyChecksum << ")";
-  return packet;
-}
-
-bool IsUsable(const Packet& packet)
-{
-  return packet.headerSize >= smallestHeader && HasBody(packet) && packet.body.size() >= smallestBody;
-}
-
-BodyMessage ParseBodyMessage(const QByteArray& body)
-{
-  BodyMessage message;
-  message.id = UnpackNumber<long long>(body, 0);
-  if (!UnpackBytes(body, 8, &message.first))
-    LOG(ERROR) << "Can't parse a client name";
-  else if (!UnpackBytes(body, message.first.size() + 12LL, &message.second))
-    LOG(ERROR) << "Can't parse a message";
-  return message;
-}
-
-BodyStatus ParseBodyStatus(const QByteArray& body)
-{
-  if (body.size() < 4)
-    return {};
-  const int count = UnpackNumber<int>(body, 0);
-  if (body.size() < 4LL * count + 4)
-    return {};
-
-  BodyStatus status;
-  long long offset = 4;
-  for (int i = 0; i < count; ++i)
-  {
-    QByteArray name;
-    if (!UnpackBytes(body, offset, &name))
-      return {};
-    offset += 4 + name.size();
-    status.members.append(name);
-  }
-  return status;
-}
-
-// ---- Packets that come in pieces ------------------------------------------------------------------------
-
 long long Nanoseconds(SteadyClock::duration duration)
 {
   return boost::chrono::duration_cast<boost::chrono::nanoseconds>(duration).count();
 }
-
-} // namespace
-
-namespace Details
-{
-
-// What is known of the packet at the head of one connection. It looks without taking, so that nobody blocks
-// in the middle of a message.
-class Intake
-{
-public:
-  explicit Intake(long long largest = std::numeric_limits<long long>::max()) : largest(largest) {}
-
-  // Whether the packet at the head is known to be larger than it may be; it is never taken then.
-  bool IsTooLarge() const { return needed > largest; }
-
-  // Reads a packet, good or bad, if that needs no waiting.
-  bool Take(QIODevice* device, Packet* packet)
-  {
-    const bool isTaken = TakeWhole(device, packet);
-    ResumeReading(qobject_cast<QLocalSocket*>(device));
-    return isTaken;
-  }
-
-  bool IsPaused() const { return SteadyClock::now() < end; }
-
-  // For as long as so many bytes take at `rate` a second.
-  void PauseAfter(long long bytes, long long rate)
-  {
-    const double pause = static_cast<double>(bytes) / static_cast<double>(rate);
-    end = SteadyClock::now() + boost::chrono::microseconds(static_cast<long long>(pause * 1e6));
-  }
-
-private:
-  // Qt stops reading when its buffer is full. What is taken then does not make it go on, unless that is all
-  // of it.
-  static void ResumeReading(QLocalSocket* socket)
-  {
-    const qint64 size = socket ? socket->readBufferSize() : 0;
-    if (size <= 0)
-      return;
-    socket->setReadBufferSize(0);
-    socket->setReadBufferSize(size);
-  }
-
-  bool TakeWhole(QIODevice* device, Packet* packet)
-  {
-    if (device->bytesAvailable() < smallestPacket)
-      return false;
-    if (needed == 0 && !SkipToSignature(device, packet))
-      return true;
-    if (IsWhole(device))
-    {
-      *this = Intake(largest);
-      *packet = ReadPacket(device);
-      return true;
-    }
-    if (IsTooLarge() || !HasStalled(device->bytesAvailable()))
-      return false;
-    *this = Intake(largest);
-    *packet = ReadCopy(device, device->bytesAvailable());
-    return true;
-  }
-
-  // Where a signature, or what has come of it, begins.
-  static int FindBeginning(const QByteArray& data)
-  {
-    const int whole = data.indexOf(signature);
-    if (whole >= 0)
-      return whole;
-    int begun = std::max(data.size() - signature.size() + 1, 0);
-    while (!signature.startsWith(data.mid(begun)))
-      ++begun;
-    return begun;
-  }
-
-  // False when there was nothing but bytes that belong to no packet: then `packet` tells so.
-  bool SkipToSignature(QIODevice* device, Packet* packet)
-  {
-    while (device->peek(signature.size()) != signature)
-    {
-      // In pieces: what is looked at leaves the socket's buffer, which then takes in as much again.
-      const QByteArray glance = device->peek(std::min(device->bytesAvailable(), longestGlance));
-      const bool isAll = glance.size() == device->bytesAvailable();
-      device->skip(FindBeginning(glance));
-      if (isAll && device->bytesAvailable() < signature.size())
-      {
-        // Hunting through it byte by byte would find no more than this.
-        *packet = ReadCopy(device, 0);
-        return false;
-      }
-    }
-    needed = preambleSize;
-    return true;
-  }
-
-  bool IsWhole(QIODevice* device)
-  {
-    const long long available = device->bytesAvailable();
-    if (available >= needed && !isHeaderKnown)
-    {
-      const int headerSize = UnpackNumber<int>(device->peek(preambleSize), signature.size());
-      isHeaderKnown = true;
-      isBodyKnown = headerSize < smallestHeader;
-      if (!isBodyKnown)
-        needed += headerSize;
-    }
-    if (available >= needed && !isBodyKnown && !IsTooLarge())
-    {
-      needed += BodySize(device->peek(needed));
-      isBodyKnown = true;
-    }
-    return isBodyKnown && available >= needed && !IsTooLarge();
-  }
-
-  // What the packet reader will want behind this header.
-  static long long BodySize(const QByteArray& beginning)
-  {
-    const QByteArray header = beginning.mid(preambleSize);
-    if (Checksum(header) != UnpackNumber<quint16>(beginning, signature.size() + 4))
-      return 0;
-    QByteArray contextName;
-    QByteArray command;
-    if (!UnpackBytes(header, 0, &contextName) || !UnpackBytes(header, contextName.size() + 4LL, &command))
-      return 0;
-    const int size = UnpackNumber<int>(header, 8LL + contextName.size() + command.size());
-    return command.isEmpty() || size < smallestBody ? 0 : size;
-  }
-
-  bool HasStalled(long long available)
-  {
-    const SteadyClock::time_point now = SteadyClock::now();
-    if (available != seen)
-    {
-      seen = available;
-      lastArrival = now;
-    }
-    return now - lastArrival >= boost::chrono::milliseconds(transferTimeout);
-  }
-
-  static Packet ReadCopy(QIODevice* device, long long size)
-  {
-    QByteArray bytes = device->read(size);
-    QBuffer copy(&bytes);
-    copy.open(QIODevice::ReadOnly);
-    return ReadPacket(&copy);
-  }
-
-  long long largest;
-  long long needed = 0; // bytes that the packet is known to have; 0 when none has begun
-  bool isHeaderKnown = false;
-  bool isBodyKnown = false;
-  long long seen = 0;
-  SteadyClock::time_point lastArrival;
-  SteadyClock::time_point end; // of the pause
-};
-
-} // namespace Details
-
-namespace
-{
 
 // ---- What becomes of a message --------------------------------------------------------------------------
 
