@@ -8,9 +8,15 @@
 #include <QBuffer>
 #include <QElapsedTimer>
 #include <QIODevice>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QTemporaryDir>
 
 #include <algorithm>
+#include <chrono>
 #include <deque>
+#include <sys/socket.h>
+#include <thread>
 #include <vector>
 
 using testing::ElementsAre;
@@ -210,6 +216,31 @@ TEST(ReadData, LeavesWhatComesBehindTheLastByteToTheNextRead)
   device.polled = true;
   EXPECT_EQ(Tavrik::ReadData(&device, 3, 1, 2), "abc");
   EXPECT_EQ(device.current, "defgh");
+}
+
+TEST(ReadData, SeesWhatComesToASocketWhileItSleeps)
+{
+  QTemporaryDir folder;
+  QLocalServer server;
+  ASSERT_TRUE(server.listen(folder.filePath(QStringLiteral("s"))));
+  QLocalSocket socket;
+  socket.connectToServer(server.fullServerName());
+  ASSERT_TRUE(socket.waitForConnected());
+  ASSERT_TRUE(server.waitForNewConnection(10000));
+  const int end = static_cast<int>(server.nextPendingConnection()->socketDescriptor());
+  std::thread sender(
+      [end]
+      {
+        for (const char byte : {'a', 'b', 'c', 'd'})
+        {
+          std::this_thread::sleep_for(std::chrono::milliseconds(50));
+          send(end, &byte, 1, 0);
+        }
+      });
+  const LogCapture log;
+  EXPECT_EQ(Tavrik::ReadData(&socket, 4, 10000, 2000), "abcd");
+  EXPECT_THAT(log.Lines(), IsEmpty());
+  sender.join();
 }
 
 TEST(ReadData, OfZeroBytesIsEmptyAndLogsNothing)

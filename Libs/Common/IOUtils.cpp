@@ -67,7 +67,11 @@ QByteArray ReadData(QIODevice* device, long long size, unsigned int delay, int a
   int idle = 0;
   while (idle < attempts)
   {
-    const QByteArray part = ReadSome(device, std::max(size - result.size(), 0LL));
+    const long long missing = std::max(size - result.size(), 0LL);
+    // Outside the event loop a socket fetches what has come in a wait only.
+    if (device->bytesAvailable() < missing)
+      device->waitForReadyRead(0);
+    const QByteArray part = ReadSome(device, missing);
     result += part;
     if (result.size() >= size)
       break;

@@ -46,7 +46,8 @@ TAVRIK_COMMON_EXPORT QByteArray CalcCRC(const QByteArray& data);
 TAVRIK_COMMON_EXPORT QByteArray ReadDataWithTimeout(QIODevice* device, long long size, int timeout);
 
 /**
- * Reads @p size bytes by polling: after every read that leaves the result incomplete it sleeps.
+ * Reads @p size bytes by polling: after every read that leaves the result incomplete it sleeps. Before every
+ * read it looks, with a wait of 0 ms, for bytes that have come.
  *
  * @param device   An open device; not owned.
  * @param size     The number of bytes wanted.
