@@ -433,6 +433,13 @@ TEST_F(Client, LogsAnUnknownCommandWithoutTheClosingQuoteAndGoesOn)
   EXPECT_TRUE(Logs("Unexpected command \"HELLO\n"));
 }
 
+TEST_F(Client, ShowsControlCharactersOfACommandEscapedInItsLog)
+{
+  StartAdmittedAndSettled();
+  link->Write(Wire::Packet("demo", "HELLO\x1b]0;\n", "1234"));
+  EXPECT_TRUE(Logs("Unexpected command \"HELLO\\x1b]0;\\n\n"));
+}
+
 TEST_F(Client, HearsMessagesUnchangedAndCutsTheSendersNameAtAZeroByte)
 {
   StartAdmittedAndSettled();

@@ -617,6 +617,10 @@ TEST_F(FirewallTest, AddingWhatIsNoBundleWarnsWithBothFormsOfThePath)
     EXPECT_THAT(log.Warnings(), ElementsAre("Can't add a path to the firewall: " + std::string(path) + " (" +
                                             folder.toStdString() + "/" + path + ")"));
   }
+  const LogCapture log;
+  EXPECT_FALSE(firewall.AddApplication(QStringLiteral("/a\nE \x1b.apt"), true));
+  EXPECT_THAT(log.Warnings(), ElementsAre("Can't add a path to the firewall: /a\\nE \\x1b.apt "
+                                          "(/a\\nE \\x1b.apt)"));
   EXPECT_EQ(0, spy.count());
   EXPECT_TRUE(firewall.IsSaved());
 }

@@ -14,6 +14,7 @@
 
 #include <Common/Bazaar/PacketReader.h>
 #include <Common/Platform/LocalPeer.h>
+#include <Common/Printable.h>
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -531,7 +532,7 @@ void Context::Impl::Warn(LimitField breached, const QByteArray& text)
     return;
   }
   const long long untold = silence->second.untold;
-  LOG(WARNING) << text.constData()
+  LOG(WARNING) << Printable(text).constData()
                << (untold > 0 ? " (and " + QByteArray::number(untold) + " times more since the last line)"
                               : QByteArray())
                       .constData();
@@ -708,8 +709,8 @@ bool Context::Impl::Register()
   const boost::unique_lock<boost::mutex> lock(usedContextAndClientPairsMutex);
   if (usedContextAndClientPairs.contains(pair))
   {
-    LOG(ERROR) << "The context name " << contextName.constData() << " is already in use with the client name "
-               << clientName.constData();
+    LOG(ERROR) << "The context name " << Printable(contextName).constData()
+               << " is already in use with the client name " << Printable(clientName).constData();
     return false;
   }
   usedContextAndClientPairs.insert(pair);
@@ -753,7 +754,7 @@ bool Context::Impl::ConnectToElected()
     NoteConnection();
     return true;
   }
-  LOG(ERROR) << clientName.constData() << " couldn't connect to the server ("
+  LOG(ERROR) << Printable(clientName).constData() << " couldn't connect to the server ("
              << static_cast<const void*>(serverName.constData()) << ")";
   return false;
 }
@@ -761,15 +762,15 @@ bool Context::Impl::ConnectToElected()
 void Context::Impl::NoteConnection()
 {
   lastConnectTime = SteadyClock::now();
-  LOG(INFO) << clientName.constData() << " has connected to a server ("
+  LOG(INFO) << Printable(clientName).constData() << " has connected to a server ("
             << static_cast<const void*>(serverName.constData()) << ")";
 }
 
 bool Context::Impl::GiveUp()
 {
   clientsTimer.stop();
-  LOG(WARNING) << "Can't connect to a server and the NO SERVER flag is set (" << clientName.constData()
-               << "): " << QFile::exists(serverName);
+  LOG(WARNING) << "Can't connect to a server and the NO SERVER flag is set ("
+               << Printable(clientName).constData() << "): " << QFile::exists(serverName);
   return false;
 }
 
@@ -807,7 +808,7 @@ void Context::Impl::BecomeServer()
 void Context::Impl::RemoveSocketFile()
 {
   if (!QFile::remove(serverName))
-    VLOG(30) << "Can't remove an old local socket file: " << serverName.toLocal8Bit().constData();
+    VLOG(30) << "Can't remove an old local socket file: " << Printable(serverName).constData();
 }
 
 void Context::Impl::ShakeHands()
@@ -827,12 +828,13 @@ void Context::Impl::ShakeHands()
   }
   if (packet.command != commandStatus)
   {
-    LOG(ERROR) << "Expected " << commandStatus.constData() << " got " << packet.command.constData();
+    LOG(ERROR) << "Expected " << commandStatus.constData() << " got "
+               << Printable(packet.command).constData();
     return;
   }
   const BodyStatus status = ParseBodyStatus(packet.body);
   if (status.members.isEmpty())
-    LOG(ERROR) << "Can't parse a body of the command " << packet.command.constData();
+    LOG(ERROR) << "Can't parse a body of the command " << Printable(packet.command).constData();
   else
     DispatchMembership(status);
 }
@@ -1058,7 +1060,7 @@ bool Context::Impl::Admit(QLocalSocket* client, const Packet& packet)
   }
   if (packet.command != commandMessage)
   {
-    LOG(ERROR) << "Got the command " << packet.command.constData()
+    LOG(ERROR) << "Got the command " << Printable(packet.command).constData()
                << " (expected: " << commandMessage.constData() << ")";
     // It stays, and nobody will read what it sends: that must not pile up here.
     client->setReadBufferSize(1);
@@ -1069,13 +1071,13 @@ bool Context::Impl::Admit(QLocalSocket* client, const Packet& packet)
   const QByteArray& name = introduction.second;
   if (introduction.id != 0 || !introduction.first.isEmpty())
     LOG(WARNING) << "Something strange with the initial message (MESSAGE ID: " << introduction.id
-                 << "; RECIPIENT NAME: \"" << introduction.first.constData() << "\"; MESSAGE: \""
-                 << name.constData() << "\")";
+                 << "; RECIPIENT NAME: \"" << Printable(introduction.first).constData() << "\"; MESSAGE: \""
+                 << Printable(name).constData() << "\")";
 
   RemoveDisconnectedClients();
   if (IsNameTaken(name))
   {
-    LOG(ERROR) << "The client with the name \"" << name.constData() << "\" has alredy connected";
+    LOG(ERROR) << "The client with the name \"" << Printable(name).constData() << "\" has alredy connected";
     client->deleteLater();
     return true;
   }
@@ -1335,8 +1337,8 @@ void Context::Impl::RoutePacket(const QByteArray& name, const Packet& packet)
   }
   else
   {
-    LOG(ERROR) << "Unexpected command \"" << packet.command.constData() << "\" from the client "
-               << name.constData();
+    LOG(ERROR) << "Unexpected command \"" << Printable(packet.command).constData() << "\" from the client "
+               << Printable(name).constData();
   }
 }
 
@@ -1354,7 +1356,7 @@ void Context::Impl::SendMessage(const QByteArray& sender, const QByteArray& reci
     clients.remove(recipient);
     intakes.remove(target);
     target->deleteLater();
-    LOG(WARNING) << "Client " << recipient.constData() << " is not connected";
+    LOG(WARNING) << "Client " << Printable(recipient).constData() << " is not connected";
     return;
   }
   const QByteArray packet =
@@ -1463,7 +1465,7 @@ void Context::Impl::DispatchPacket(const Packet& packet)
   else if (packet.command == commandResult)
     DispatchResult(packet);
   else
-    LOG(ERROR) << "Unexpected command \"" << packet.command.constData();
+    LOG(ERROR) << "Unexpected command \"" << Printable(packet.command).constData();
 }
 
 void Context::Impl::DispatchMessage(const Packet& packet)
@@ -1478,7 +1480,7 @@ void Context::Impl::DispatchStatus(const Packet& packet)
 {
   const BodyStatus status = ParseBodyStatus(packet.body);
   if (status.members.isEmpty())
-    LOG(ERROR) << "Can't parse a body of the command " << packet.command.constData();
+    LOG(ERROR) << "Can't parse a body of the command " << Printable(packet.command).constData();
   else if (!isSettled)
     deferredStatus = status.members;
   else

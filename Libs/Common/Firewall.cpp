@@ -1,6 +1,7 @@
 #include <Common/DaemonSettings.h>
 #include <Common/Firewall.h>
 #include <Common/Platform/ToolOutput.h>
+#include <Common/Printable.h>
 #include <Common/ReadProcess.h>
 #include <Common/RootExecutor.h>
 
@@ -118,8 +119,8 @@ void ReadApplications(const QString& output, Listed listed, FirewallState* state
       expected = Header;
       break;
     default:
-      LOG(ERROR) << "Can't parse an applications list:" << line.toLocal8Bit().constData() << "\n\n"
-                 << output.toLocal8Bit().constData();
+      LOG(ERROR) << "Can't parse an applications list:" << Printable(line).constData() << "\n\n"
+                 << Printable(output).constData();
     }
   }
 }
@@ -304,7 +305,7 @@ Firewall::Impl::~Impl()
 {
   const QByteArray name = ScriptName();
   if (!name.isEmpty() && unlink(name.constData()) != 0 && errno != ENOENT)
-    LOG(ERROR) << "Couldn't remove a temporary file: " << name.constData();
+    LOG(ERROR) << "Couldn't remove a temporary file: " << Printable(name).constData();
 }
 
 void Firewall::Impl::UpdateScript()
@@ -312,7 +313,7 @@ void Firewall::Impl::UpdateScript()
   QFile resource(QStringLiteral(":Scripts/Firewall"));
   if (!resource.open(QIODevice::ReadOnly))
   {
-    LOG(ERROR) << "Can't open: " << resource.fileName().toLocal8Bit().constData();
+    LOG(ERROR) << "Can't open: " << Printable(resource.fileName()).constData();
     return;
   }
   script = resource.readAll();
@@ -320,7 +321,7 @@ void Firewall::Impl::UpdateScript()
   const QString folder = QDir::tempPath();
   if (folder.isEmpty()) // it does not exist
   {
-    LOG(ERROR) << "Can't open a temporary file: " << name.toLocal8Bit().constData();
+    LOG(ERROR) << "Can't open a temporary file: " << Printable(name).constData();
     return;
   }
   scriptFile.setFileName(folder + QLatin1Char('/') + name);
@@ -334,7 +335,7 @@ bool Firewall::Impl::WriteScriptFile()
 {
   if (WriteScript(ScriptName(), script))
     return true;
-  LOG(ERROR) << "Can't open a temporary file: " << ScriptName().constData();
+  LOG(ERROR) << "Can't open a temporary file: " << Printable(ScriptName()).constData();
   return false;
 }
 
@@ -360,8 +361,8 @@ bool Firewall::Impl::Add(const QString& path)
   const QString absolute = QFileInfo(path).absoluteFilePath();
   if (!absolute.endsWith(bundleExtension) || !QFileInfo::exists(absolute))
   {
-    LOG(WARNING) << "Can't add a path to the firewall: " << path.toLocal8Bit().constData() << " ("
-                 << absolute.toLocal8Bit().constData() << ")";
+    LOG(WARNING) << "Can't add a path to the firewall: " << Printable(path).constData() << " ("
+                 << Printable(absolute).constData() << ")";
     return false;
   }
 

@@ -2,6 +2,7 @@
 
 #include <Common/Platform/ApplicationLocations.h>
 #include <Common/Platform/ChildProcess.h>
+#include <Common/Printable.h>
 #include <Common/RAMInfo.h>
 
 #include <QPointer>
@@ -118,7 +119,7 @@ bool RAMCleaner::Clean()
   impl->purgerProcess->start(program, QStringList(), QIODevice::ReadWrite);
   if (!impl->purgerProcess->waitForStarted(startTimeout))
   {
-    LOG(ERROR) << "Can't start " << program.toLocal8Bit().constData() << '\n';
+    LOG(ERROR) << "Can't start " << Printable(program).constData() << '\n';
     return false;
   }
   ++impl->run;

@@ -1,4 +1,5 @@
 #include <Common/Platform/PrivilegedLauncher.h>
+#include <Common/Printable.h>
 #include <Common/RootExecutor.h>
 
 #include <QByteArray>
@@ -110,7 +111,7 @@ bool RootExecutor::Impl::Exec(const QStringList& arguments)
   if (status != 0)
   {
     pid = -1;
-    LOG(ERROR) << "Can't run a process (" << toolPath.constData() << ") as root: " << status;
+    LOG(ERROR) << "Can't run a process (" << Printable(toolPath).constData() << ") as root: " << status;
     return false;
   }
   if (readPid)

@@ -6,6 +6,8 @@
 
 #include <Common/Platform/PrivilegedLauncher.h>
 
+#include <Common/Printable.h>
+
 #include <glog/logging.h>
 
 #include <algorithm>
@@ -498,7 +500,7 @@ std::int32_t AskThroughPolkit(const std::string& path, PrivilegedSession* sessio
   // One code tells of a refusal, of a missing agent and of a missing service.
   if (Says(answer, "Not authorized"))
     return privilegeDenied;
-  VLOG(30) << "pkexec can't ask: " << answer.note;
+  VLOG(30) << "pkexec can't ask: " << Printable(QByteArray::fromStdString(answer.note)).constData();
   return privilegeUnavailable;
 }
 
@@ -629,7 +631,7 @@ std::int32_t StartAsRoot(PrivilegedSession* session, const char* toolPath, const
   const int reason = Spawn(program, Parent::Nobody, &pid);
   if (reason != 0)
   {
-    VLOG(30) << toolPath << ": " << std::strerror(reason);
+    VLOG(30) << Printable(QByteArray(toolPath)).constData() << ": " << std::strerror(reason);
     return privilegedStartFailed;
   }
   session->streams.push_back(OpenStream(std::move(ours)));
