@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 
 #include <cstdio>
@@ -165,10 +166,53 @@ TEST_F(Server, LeavesASocketOpenWhoseFirstPacketIsNoMessageAndNeverReadsItAgain)
   for (int i = 0; i < 10; ++i)
     WaitForTick();
   EXPECT_TRUE(guest.IsConnected());
+  EXPECT_TRUE(SpinUntil([&] { return guest.socket->bytesToWrite() == 0; }));
+  WaitForTick();
+  EXPECT_TRUE(guest.IsConnected());
   EXPECT_TRUE(guest.bytes.isEmpty());
   EXPECT_EQ(hear->Members(), "hear,server");
-  EXPECT_GT(guest.socket->bytesToWrite(), flood / 2);
   EXPECT_LT(MemoryOf(peer.Pid(), "VmRSS") - before, flood / 2);
+}
+
+TEST_F(Server, KeepsNoDescriptorOfThoseWhoseFirstPacketIsNoMessageOnceTheyHaveHungUp)
+{
+  const auto descriptors = [&]
+  {
+    return QDir(QStringLiteral("/proc/%1/fd").arg(peer.Pid()))
+        .entryList(QDir::AllEntries | QDir::System)
+        .size();
+  };
+  WaitForTick();
+  const int before = descriptors();
+  const int count = 200;
+  for (int i = 0; i < count; ++i)
+  {
+    RawClient guest(meeting.context);
+    guest.Write(Wire::Status("demo", {"guest"}) + QByteArray(i % 3, 'x'));
+    guest.Write(QByteArray(i % 2 * 100000, 'x'));
+    ASSERT_TRUE(SpinUntil([&] { return peer.log.count("Got the command STATUS") == i + 1; }));
+  }
+  EXPECT_TRUE(SpinUntil([&] { return descriptors() <= before; })) << descriptors() - before;
+}
+
+TEST_F(Server, ShowsControlCharactersOfCommandsAndNamesEscapedInItsLog)
+{
+  const QByteArray hostile = "bad" + QByteArray("\0", 1) + "\x1b[2J\nE20260101 forged";
+  const QByteArray shown = "bad\\x00\\x1b[2J\\nE20260101 forged";
+  RawClient first(meeting.context);
+  first.Write(Wire::Packet("demo", hostile, "1234567890"));
+  EXPECT_TRUE(Logs("Got the command " + shown + " (expected: MESSAGE)\n"));
+  const auto guest = Joined(hostile);
+  guest->Write(Wire::Packet("demo", hostile, "1234567890"));
+  EXPECT_TRUE(Logs("Unexpected command \"" + shown + "\" from the client " + shown + "\n"));
+  RawClient second(meeting.context);
+  second.Write(Wire::Introduction("demo", hostile));
+  EXPECT_TRUE(Logs("The client with the name \"" + shown + "\" has alredy connected\n"));
+  RawClient strange(meeting.context);
+  strange.Write(Wire::Message("demo", 5, hostile, "caf\xc3\xa9\r"));
+  EXPECT_TRUE(Logs("RECIPIENT NAME: \"" + shown + "\"; MESSAGE: \"caf\xc3\xa9\\r\")\n"));
+  EXPECT_FALSE(peer.log.contains('\x1b'));
+  EXPECT_FALSE(peer.log.contains("\nE20260101"));
 }
 
 TEST_F(Server, RefusesANameThatIsTakenAndLetsTheFirstKeepIt)

@@ -429,6 +429,7 @@ public:
   // Members and listeners
   void ForAllListeners(const std::function<void(std::shared_ptr<Listener>)>& call);
   void DispatchMembership(const BodyStatus& status);
+  void Ignore(QLocalSocket* client);
   bool HasMember(const QByteArray& name) const;
   bool WaitMember(const QByteArray& name, long long timeout);
   QPair<QString, QString> GetContextAndClientPair() const;
@@ -1062,9 +1063,7 @@ bool Context::Impl::Admit(QLocalSocket* client, const Packet& packet)
   {
     LOG(ERROR) << "Got the command " << Printable(packet.command).constData()
                << " (expected: " << commandMessage.constData() << ")";
-    // It stays, and nobody will read what it sends: that must not pile up here.
-    client->setReadBufferSize(1);
-    QObject::connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
+    Ignore(client);
     return false;
   }
   const BodyMessage introduction = ParseBodyMessage(packet.body);
@@ -1133,6 +1132,18 @@ bool Context::Impl::IsBehind(QLocalSocket* client, const QByteArray& packet)
 }
 
 // Not the server's own participant: it reads again once its listener lets it.
+// Leaves the connection open and discards what comes: only a socket that is read notices that its peer hangs
+// up.
+void Context::Impl::Ignore(QLocalSocket* client)
+{
+  const auto discard = [client] { client->skip(client->bytesAvailable()); };
+  QObject::connect(client, &QLocalSocket::readyRead, client, discard, Qt::DirectConnection);
+  QObject::connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
+  discard();
+  if (!IsConnected(client))
+    client->deleteLater();
+}
+
 void Context::Impl::ExpelTheIdle()
 {
   if (limits.unwrittenBytes <= 0)
