@@ -1,5 +1,6 @@
-// The packet reader and the intake, held against a second reader, over a connection whose bytes come in the
-// script's pieces. A step of kind 0 brings its bytes, any other is a wait that runs out.
+// The two packet readers, the blocking one and the one that never waits, compared with a second blocking
+// reader over a connection whose bytes come at the script's times. A step of kind 0 brings its bytes a
+// millisecond later, any other is a pause.
 
 #include <Common/Bazaar/PacketReader.h>
 
@@ -8,6 +9,10 @@
 #include "Support/Script.h"
 #include "Support/Wire.h"
 
+#include <QIODevice>
+
+#include <algorithm>
+#include <array>
 #include <optional>
 
 namespace Tavrik::Bazaar::Details
@@ -15,12 +20,18 @@ namespace Tavrik::Bazaar::Details
 namespace
 {
 
-using Pieces = QList<QByteArray>; // an empty one is a wait that runs out
+struct Arrival
+{
+  qint64 time; // ms
+  QByteArray bytes;
+};
+
+using Arrivals = QList<Arrival>;
 
 class Connection : public QIODevice
 {
 public:
-  explicit Connection(const Pieces& pieces) : later(pieces) { open(ReadOnly); }
+  explicit Connection(const Arrivals& arrivals) : later(arrivals) { open(ReadOnly); }
 
   bool isSequential() const override { return true; }
   qint64 bytesAvailable() const override { return bytes.size() + QIODevice::bytesAvailable(); }
@@ -29,17 +40,19 @@ public:
     Require(timeout == 500 || timeout == 1000 || timeout == 30000, "a wait is one of the three");
     Require(bytesAvailable() == 0, "nobody waits while bytes are there");
     ++waits;
-    return Arrive();
-  }
-  bool Arrive()
-  {
-    if (later.isEmpty())
-      return false;
-    bytes += later.takeFirst();
+    const qint64 end = now + timeout;
+    MoveTo(later.isEmpty() ? end : std::min(end, later.first().time));
     return !bytes.isEmpty();
   }
+  void MoveTo(qint64 time)
+  {
+    now = time;
+    while (!later.isEmpty() && later.first().time <= now)
+      bytes += later.takeFirst().bytes;
+  }
 
-  Pieces later;
+  Arrivals later;
+  qint64 now = 0;
   int waits = 0;
 
 protected:
@@ -56,11 +69,11 @@ private:
   QByteArray bytes;
 };
 
-// The reader, written down a second time over the list of pieces.
+// The reader, written down a second time over the list of arrivals.
 class SecondReader
 {
 public:
-  explicit SecondReader(const Pieces& pieces) : pieces(pieces) {}
+  explicit SecondReader(const Arrivals& arrivals) : arrivals(arrivals) {}
 
   Packet ReadPacket()
   {
@@ -79,67 +92,83 @@ public:
     packet.headerChecksum = static_cast<quint16>(checksum.value_or(0));
     if (packet.headerSize < 14)
       return packet;
-    const QByteArray header = Read(packet.headerSize);
+    const QByteArray header = Read(packet.headerSize, 30000);
     if (!Fits("header", header, packet.headerChecksum) || !ReadHeader(header, &packet))
       return packet;
     if (packet.command.isEmpty() || packet.bodySize < 4)
       return packet;
-    const QByteArray body = Read(packet.bodySize);
+    const QByteArray body = Read(packet.bodySize, 30000);
     if (Fits("body", body, packet.bodyChecksum))
       packet.body = body;
     return packet;
   }
 
+  // Lets the time pass until so many bytes are there; false when they never will be.
+  bool WaitFor(int count)
+  {
+    int there = -offset;
+    for (const Arrival& arrival : qAsConst(arrivals))
+    {
+      there += arrival.bytes.size();
+      now = std::max(now, arrival.time);
+      if (there >= count)
+        return true;
+    }
+    return false;
+  }
+
   int CountRest() const
   {
     int rest = -offset;
-    for (const QByteArray& piece : pieces)
-      rest += piece.size();
+    for (const Arrival& arrival : arrivals)
+      rest += arrival.bytes.size();
     return rest;
   }
 
+  qint64 now = 0;
   std::vector<std::string> log;
 
 private:
-  bool IsOver() const { return pieces.isEmpty() || pieces.first().isEmpty(); }
-
-  QByteArray TakeFromPiece(qint64 size)
+  // Whether a byte is there, or comes within the time.
+  bool Await(int timeout)
   {
-    const QByteArray part = pieces.first().mid(offset, static_cast<int>(qMin<qint64>(size, longestPiece)));
-    offset += part.size();
-    if (offset == pieces.first().size())
-      NextPiece();
-    return part;
+    while (!arrivals.isEmpty() && offset == arrivals.first().bytes.size())
+    {
+      arrivals.removeFirst();
+      offset = 0;
+    }
+    if (arrivals.isEmpty() || arrivals.first().time > now + timeout)
+    {
+      now += timeout;
+      return false;
+    }
+    now = std::max(now, arrivals.first().time);
+    return true;
   }
 
-  void NextPiece()
+  QByteArray Next(qint64 size)
   {
-    pieces = pieces.mid(1);
-    offset = 0;
+    const QByteArray part =
+        arrivals.first().bytes.mid(offset, static_cast<int>(qMin<qint64>(size, longestPiece)));
+    offset += part.size();
+    return part;
   }
 
   void Hunt()
   {
     QByteArray seen;
-    while (!IsOver())
-    {
-      seen += TakeFromPiece(1);
-      if (seen.endsWith('>') && seen.endsWith(Wire::Signature()))
-        return;
-    }
-    NextPiece();
+    while (!seen.endsWith(Wire::Signature()) && Await(1000))
+      seen = (seen + Next(1)).right(Wire::Signature().size());
   }
 
-  QByteArray Read(qint64 size)
+  QByteArray Read(qint64 size, int timeout)
   {
     QByteArray taken;
-    while (taken.size() < size && !IsOver())
-      taken += TakeFromPiece(size - taken.size());
-    if (taken.size() == size)
-      return taken;
-    NextPiece();
-    log.push_back("Could't read " + std::to_string(size) + " bytes. Have read only " +
-                  std::to_string(taken.size()) + " (TIMEOUT)");
+    while (taken.size() < size && Await(timeout))
+      taken += Next(size - taken.size());
+    if (taken.size() < size)
+      log.push_back("Could't read " + std::to_string(size) + " bytes. Have read only " +
+                    std::to_string(taken.size()) + " (TIMEOUT)");
     return taken;
   }
 
@@ -153,7 +182,7 @@ private:
 
   std::optional<quint64> ReadNumber(int size)
   {
-    const QByteArray bytes = Read(size);
+    const QByteArray bytes = Read(size, 500);
     if (bytes.size() < size)
       return std::nullopt;
     return Number(bytes);
@@ -203,7 +232,7 @@ private:
   }
 
   static const int longestPiece = 0xffff;
-  Pieces pieces;
+  Arrivals arrivals;
   int offset = 0; // of what comes next in the first
 };
 
@@ -218,10 +247,10 @@ void RequireEqual(const Packet& packet, const Packet& expected)
   Require(packet.body == expected.body, "the bodies are equal");
 }
 
-void ReadWithBoth(const Pieces& pieces)
+void ReadWithBoth(const Arrivals& arrivals)
 {
-  Connection connection(pieces);
-  SecondReader second(pieces);
+  Connection connection(arrivals);
+  SecondReader second(arrivals);
   while (connection.bytesAvailable() > 0 || !connection.later.isEmpty())
   {
     const LogCapture log;
@@ -229,64 +258,71 @@ void ReadWithBoth(const Pieces& pieces)
     RequireEqual(ReadPacket(&connection), second.ReadPacket());
     Require(log.Errors() == second.log, "the log lines are equal");
     qint64 rest = connection.bytesAvailable();
-    for (const QByteArray& piece : qAsConst(connection.later))
-      rest += piece.size();
+    for (const Arrival& arrival : qAsConst(connection.later))
+      rest += arrival.bytes.size();
     Require(rest == second.CountRest(), "both have taken the same bytes");
   }
 }
 
-QList<QByteArray> UsableBodies(QIODevice* device, const std::function<bool(Packet*)>& next)
+// The reader that never waits has the results of the one that does, whenever it is given a look.
+class LookingReader
 {
-  QList<QByteArray> bodies;
-  for (Packet packet; device->bytesAvailable() > 0 && next(&packet); packet = Packet())
-    if (IsUsable(packet))
-      bodies.append(packet.body);
-  return bodies;
-}
+public:
+  explicit LookingReader(const Arrivals& arrivals) : connection(arrivals), second(arrivals) {}
 
-// Piece by piece, without ever waiting, the intake finds what the reader finds in the whole. Only a last
-// packet that has not come whole does it keep.
-void TakeInPieces(const Pieces& pieces)
-{
-  Connection whole({pieces.join()});
-  whole.Arrive();
-  const QList<QByteArray> expected = UsableBodies(&whole,
-                                                  [&](Packet* packet)
-                                                  {
-                                                    *packet = ReadPacket(&whole);
-                                                    return true;
-                                                  });
-
-  Connection connection(pieces);
-  Intake intake;
-  QList<QByteArray> taken;
-  while (!connection.later.isEmpty())
+  void Read()
   {
-    connection.Arrive();
-    taken += UsableBodies(&connection,
-                          [&](Packet* packet)
-                          {
-                            const qint64 before = connection.bytesAvailable();
-                            const bool isTaken = intake.Take(&connection, packet);
-                            const qint64 after = connection.bytesAvailable();
-                            Require(isTaken ? after < before : after <= before, "the intake goes forward");
-                            return isTaken;
-                          });
+    while (!connection.later.isEmpty())
+    {
+      const qint64 next = connection.later.first().time;
+      LookAt(next - 1);
+      LookAt(next);
+    }
+    LookAt(connection.now + 10 * 60000);
+    Require(!second.WaitFor(smallestPacket), "no packet is left out");
+    Require(connection.waits == 0, "it does not wait");
+    Require(connection.bytesAvailable() == second.CountRest(), "both have taken the same bytes");
   }
-  Require(connection.waits == 0, "the intake does not wait");
-  Require(taken == expected || taken == expected.mid(0, expected.size() - 1),
-          "the intake finds what the reader finds");
-}
+
+private:
+  void LookAt(qint64 time)
+  {
+    connection.MoveTo(time);
+    const PacketReader::Clock::time_point now =
+        PacketReader::Clock::time_point() + boost::chrono::milliseconds(time);
+    for (Packet packet; reader.Take(&connection, &packet, now); packet = Packet())
+    {
+      Require(second.WaitFor(smallestPacket), "it begins when enough bytes are there");
+      second.log.clear();
+      RequireEqual(packet, second.ReadPacket());
+      lines.insert(lines.end(), second.log.begin(), second.log.end());
+      Require(log.Errors() == lines, "the log lines are equal");
+    }
+  }
+
+  Connection connection;
+  SecondReader second;
+  PacketReader reader;
+  const LogCapture log;
+  std::vector<std::string> lines;
+};
 
 } // namespace
 } // namespace Tavrik::Bazaar::Details
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-  Tavrik::Bazaar::Details::Pieces pieces;
+  const std::array<int, 12> pauses = {1, 20, 100, 499, 500, 501, 1000, 1001, 1400, 30000, 30001, 100000};
+  Tavrik::Bazaar::Details::Arrivals arrivals;
+  qint64 time = 0;
   for (const Script::Step& step : Script::Read(data, size))
-    pieces.append(step.kind == 0 ? step.bytes : QByteArray());
-  Tavrik::Bazaar::Details::ReadWithBoth(pieces);
-  Tavrik::Bazaar::Details::TakeInPieces(pieces);
+  {
+    if (step.kind == 0 && !step.bytes.isEmpty())
+      arrivals.append({++time, step.bytes});
+    else
+      time += pauses[step.argument % pauses.size()];
+  }
+  Tavrik::Bazaar::Details::ReadWithBoth(arrivals);
+  Tavrik::Bazaar::Details::LookingReader(arrivals).Read();
   return 0;
 }

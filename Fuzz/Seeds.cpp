@@ -46,12 +46,17 @@ QByteArray Spoiled(QByteArray packet, int at)
 QList<Steps> PacketScripts()
 {
   const QByteArray whole = Message(1, "agent", "hi");
+  const QByteArray garbage(60, 'g');
   return {
       {{0, 0, whole}},
       {{0, 0, "garbage<<TAVRIK" + whole + List({"a", "bc", ""})}},
       {{0, 0, whole.left(30)}, {0, 0, whole.mid(30)}, {0, 0, Result(1, "OK")}},
-      {{0, 0, whole.left(25)}, {1, 0, {}}, {0, 0, whole.mid(25)}},
-      {{0, 0, whole.left(27)}, {1, 0, {}}, {0, 0, whole.mid(27) + whole}},
+      {{0, 0, whole.left(25)}, {1, 5, {}}, {0, 0, whole.mid(25)}},
+      {{0, 0, whole.left(27)}, {1, 5, {}}, {0, 0, whole.mid(27) + whole}},
+      {{0, 0, garbage}, {1, 2, {}}, {0, 0, whole}},
+      {{0, 0, garbage}, {1, 8, {}}, {0, 0, whole}, {1, 10, {}}, {0, 0, whole}},
+      {{0, 0, garbage + whole.left(27)}, {1, 11, {}}, {0, 0, whole}},
+      {{0, 0, garbage + whole.left(60)}, {1, 9, {}}, {0, 0, whole.mid(60)}, {1, 10, {}}, {0, 0, whole}},
       {{0, 0, Spoiled(whole, 31) + whole + Spoiled(whole, whole.size() - 1) + whole}},
       {{0, 0, Wire::WithPreamble(Wire::Int(1000) + QByteArray(10, 'x')) + whole}},
       {{0, 0, Wire::WithPreamble(Wire::Counted("c") + Wire::Int(1000) + QByteArray(10, 'x')) + whole}},

@@ -489,6 +489,21 @@ TEST_F(Client, GoesOnBehindGarbageAndBrokenPackets)
   EXPECT_TRUE(link->IsConnected());
 }
 
+TEST_F(Client, ReportsAPacketThatIsCutOffBehindGarbageAndHearsTheNext)
+{
+  StartAdmittedAndSettled();
+  const QByteArray good = Wire::Message("demo", 0, "a", "good");
+  const QString heard = QStringLiteral("message a ") + QByteArray("good").toBase64();
+  link->Write(QByteArray(30, 'x') + good.left(25));
+  EXPECT_TRUE(Logs("Can't read a header size: 0\n"));
+  EXPECT_TRUE(Logs("Can't read a packet\n"));
+  link->Write(QByteArray(100, 'x'));
+  SpinFor(100); // the sender's pause
+  link->Write(good);
+  EXPECT_TRUE(peer->Told(heard));
+  EXPECT_EQ(peer->log.count("Can't read a packet\n"), 1);
+}
+
 TEST_F(Client, TakesNoMemoryForAClaimOfTwoGibibytesAndStaysAwake)
 {
   StartAdmittedAndSettled();

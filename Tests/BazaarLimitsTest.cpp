@@ -240,6 +240,23 @@ TEST_F(Admission, EndsForOneWhoseFirstPacketIsNoIntroduction)
   EXPECT_THAT(server->Members(), ElementsAre(QStringLiteral("server")));
 }
 
+TEST_F(Admission, WithALimitFindsAnIntroductionThatComesShortlyAfterGarbage)
+{
+  Limit(&Limits::packetSize, 4096);
+  Serve();
+  RawClient guest(meeting.context);
+  guest.Write(QByteArray(200, 'g'));
+  SpinFor(100); // the sender's pause
+  guest.Write(Wire::Introduction("demo", "guest"));
+  EXPECT_TRUE(guest.Sees("guest,server"));
+  EXPECT_THAT(log.Errors(), IsEmpty());
+  // Thirty bytes are enough to begin with.
+  RawClient other(meeting.context);
+  other.Write(QByteArray(30, 'g'));
+  EXPECT_TRUE(other.IsClosed());
+  EXPECT_EQ(log.Errors().back(), "Can't read a packet");
+}
+
 TEST_F(Admission, AnswersGarbageAndEarlyLeaversAsWithoutALimit)
 {
   Limit(&Limits::admissionTime, hugest);
@@ -253,8 +270,9 @@ TEST_F(Admission, AnswersGarbageAndEarlyLeaversAsWithoutALimit)
     RawClient leaver(meeting.context);
     leaver.Write(Wire::Introduction("demo", "leaver").left(60));
   }
-  EXPECT_TRUE(SpinUntil([&] { return !log.Errors().empty(); }));
-  EXPECT_THAT(log.Errors(), ElementsAre("Can't read a packet"));
+  EXPECT_TRUE(SpinUntil([&] { return log.Errors().size() == 3; }));
+  EXPECT_THAT(log.Errors(), ElementsAre("Could't read 22 bytes. Have read only 6 (TIMEOUT)",
+                                        StartsWith("Invalid body checksum"), "Can't read a packet"));
   const auto guest = Joined("guest");
   RawClient second(meeting.context);
   second.Write(Wire::Introduction("demo", "guest"));

@@ -3,8 +3,8 @@
 // members, and the way out.
 //
 // Everything of a context happens on one thread, from two timers: CheckSocket is the client's tick, and in
-// the serving process CheckClients is the server's. Neither waits for bytes that are not there yet: a packet
-// is taken when it has come whole, and one that has stalled for 30 s is read from a copy of what did come.
+// the serving process CheckClients is the server's. Neither waits for bytes that are not there yet: a
+// PacketReader takes the bytes of a packet as they come, and reports one that stalls.
 // What blocks is the connection, the handshake on either side, and the pauses after a broken connection.
 //
 // A listener may do anything, destroying the context that calls it included. So an entry point holds the Impl
@@ -107,6 +107,35 @@ long long Nanoseconds(SteadyClock::duration duration)
 {
   return boost::chrono::duration_cast<boost::chrono::nanoseconds>(duration).count();
 }
+
+} // namespace
+
+namespace Details
+{
+
+// The packets of one connection, at the rate that it is allowed.
+class Intake : public PacketReader
+{
+public:
+  using PacketReader::PacketReader;
+
+  bool IsPaused() const { return Clock::now() < end; }
+
+  // For as long as the last packet takes at `rate` bytes a second.
+  void Pause(long long rate)
+  {
+    const double pause = static_cast<double>(LastSize()) / static_cast<double>(rate);
+    end = Clock::now() + boost::chrono::microseconds(static_cast<long long>(pause * 1e6));
+  }
+
+private:
+  Clock::time_point end;
+};
+
+} // namespace Details
+
+namespace
+{
 
 // ---- What becomes of a message --------------------------------------------------------------------------
 
@@ -394,6 +423,7 @@ public:
   bool Admit(QLocalSocket* client, const Packet& packet);
   bool IsNameTooLong(const QByteArray& name) const;
   bool IsBehind(QLocalSocket* client, const QByteArray& packet);
+  void Ignore(QLocalSocket* client);
   void Refuse(QLocalSocket* client);
   void Expel(const QByteArray& name);
   void ExpelTheIdle();
@@ -429,7 +459,6 @@ public:
   // Members and listeners
   void ForAllListeners(const std::function<void(std::shared_ptr<Listener>)>& call);
   void DispatchMembership(const BodyStatus& status);
-  void Ignore(QLocalSocket* client);
   bool HasMember(const QByteArray& name) const;
   bool WaitMember(const QByteArray& name, long long timeout);
   QPair<QString, QString> GetContextAndClientPair() const;
@@ -992,7 +1021,7 @@ void Context::Impl::AddClient(QLocalSocket* client)
   {
     QElapsedTimer waiting;
     waiting.start();
-    entrants.append({client, Details::Intake(LargestPacket()), waiting});
+    entrants.append({client, Details::Intake(LargestPacket(), smallestIntroduction), waiting});
     return;
   }
 
@@ -1097,6 +1126,18 @@ bool Context::Impl::Admit(QLocalSocket* client, const Packet& packet)
   return true;
 }
 
+// Leaves the connection open and discards what comes: only a socket that is read notices that its peer hangs
+// up.
+void Context::Impl::Ignore(QLocalSocket* client)
+{
+  const auto discard = [client] { client->skip(client->bytesAvailable()); };
+  QObject::connect(client, &QLocalSocket::readyRead, client, discard, Qt::DirectConnection);
+  QObject::connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
+  discard();
+  if (!IsConnected(client))
+    client->deleteLater();
+}
+
 // A list that is too large would drive everybody away.
 bool Context::Impl::IsNameTooLong(const QByteArray& name) const
 {
@@ -1132,18 +1173,6 @@ bool Context::Impl::IsBehind(QLocalSocket* client, const QByteArray& packet)
 }
 
 // Not the server's own participant: it reads again once its listener lets it.
-// Leaves the connection open and discards what comes: only a socket that is read notices that its peer hangs
-// up.
-void Context::Impl::Ignore(QLocalSocket* client)
-{
-  const auto discard = [client] { client->skip(client->bytesAvailable()); };
-  QObject::connect(client, &QLocalSocket::readyRead, client, discard, Qt::DirectConnection);
-  QObject::connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
-  discard();
-  if (!IsConnected(client))
-    client->deleteLater();
-}
-
 void Context::Impl::ExpelTheIdle()
 {
   if (limits.unwrittenBytes <= 0)
@@ -1301,7 +1330,7 @@ void Context::Impl::RouteAll()
   // Most have said nothing; the others may change who is there.
   QVector<QByteArray> speakers;
   for (auto client = clients.cbegin(); client != clients.cend(); ++client)
-    if (*client && (*client)->bytesAvailable() >= smallestPacket)
+    if (*client && intakes.value(*client).IsDue(*client))
       speakers.append(client.key());
   haveClientsSpoken = !speakers.isEmpty();
   for (const QByteArray& name : qAsConst(speakers))
@@ -1310,19 +1339,18 @@ void Context::Impl::RouteAll()
 
 bool Context::Impl::TakeAndRoute(const QByteArray& name, QLocalSocket* client, bool isPaced)
 {
-  if (!client || client->bytesAvailable() < smallestPacket)
+  if (!client)
     return false;
   auto found = intakes.find(client);
   if (found == intakes.end())
     found = intakes.insert(client, Details::Intake(LargestPacket()));
-  if (isPaced && found->IsPaused())
+  if (!found->IsDue(client) || (isPaced && found->IsPaused()))
     return false;
   Packet packet;
-  const long long waiting = client->bytesAvailable();
   if (found->Take(client, &packet))
   {
     if (isPaced)
-      found->PauseAfter(waiting - client->bytesAvailable(), limits.clientRate);
+      found->Pause(limits.clientRate);
     RoutePacket(name, packet);
     return true;
   }
@@ -1450,8 +1478,7 @@ void Context::Impl::Tick()
 void Context::Impl::ReadIncoming(long long limit)
 {
   const SteadyClock::time_point start = SteadyClock::now();
-  while (!closing && socket && socket->bytesAvailable() >= smallestPacket &&
-         Nanoseconds(SteadyClock::now() - start) < limit)
+  while (!closing && socket && intake.IsDue(socket.get()) && Nanoseconds(SteadyClock::now() - start) < limit)
   {
     Packet packet;
     if (!intake.Take(socket.get(), &packet))

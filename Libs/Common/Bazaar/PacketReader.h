@@ -2,171 +2,117 @@
 
 #include <Common/Bazaar/Protocol.h>
 
-#include <QBuffer>
-#include <QLocalSocket>
-
 #include <boost/chrono.hpp>
 
-#include <algorithm>
+#include <limits>
+
+class QIODevice;
 
 namespace Tavrik::Bazaar::Details
 {
 
-const int smallestPacket = 48;      // bytes that must wait before a tick reads
-const qint64 longestGlance = 65536; // bytes of garbage that are looked through at once
+const int smallestPacket = 48; // bytes that must wait before a tick begins to read
 
+/**
+ * Reads one packet blockingly: each wait for bytes lasts as long as PacketAssembly::Timeout() says, or until
+ * the device ends.
+ */
 Packet ReadPacket(QIODevice* device);
 
-// What is known of the packet at the head of one connection. It looks without taking, so that nobody blocks
-// in the middle of a message.
-class Intake
+/**
+ * One packet, or one failed attempt to read one, while its bytes come.
+ *
+ * It knows the order of the fields and what a missing one means, but no clock: its owner says when a wait for
+ * more bytes has run out.
+ */
+class PacketAssembly
 {
 public:
-  explicit Intake(long long largest = std::numeric_limits<long long>::max()) : largest(largest) {}
+  explicit PacketAssembly(long long largest) : largest(largest) {}
 
-  // Whether the packet at the head is known to be larger than it may be; it is never taken then.
-  bool IsTooLarge() const { return needed > largest; }
+  /** Takes from @p device what has come of this packet. Returns whether anything had. */
+  bool Read(QIODevice* device);
 
-  // Reads a packet, good or bad, if that needs no waiting.
-  bool Take(QIODevice* device, Packet* packet)
-  {
-    const bool isTaken = TakeWhole(device, packet);
-    ResumeReading(qobject_cast<QLocalSocket*>(device));
-    return isTaken;
-  }
+  /** Milliseconds for which more bytes may stay away. */
+  int Timeout() const;
 
-  bool IsPaused() const { return boost::chrono::steady_clock::now() < end; }
+  /** Ends the field that is being read for want of bytes, and logs what is missing. */
+  void EndWait();
 
-  // For as long as so many bytes take at `rate` a second.
-  void PauseAfter(long long bytes, long long rate)
-  {
-    const double pause = static_cast<double>(bytes) / static_cast<double>(rate);
-    end =
-        boost::chrono::steady_clock::now() + boost::chrono::microseconds(static_cast<long long>(pause * 1e6));
-  }
+  bool IsOver() const { return field == Field::None; }
+
+  /** Whether the packet is known to exceed the largest size. No more of it is read then. */
+  bool IsTooLarge() const { return field != Field::Signature && !IsOver() && size + wanted > largest; }
+
+  /** Bytes taken, those in front of the signature included. */
+  long long CountTaken() const { return taken; }
+
+  /** The packet as far as it has been read. */
+  const Packet& Result() const { return packet; }
 
 private:
-  // Qt stops reading when its buffer is full. What is taken then does not make it go on, unless that is all
-  // of it.
-  static void ResumeReading(QLocalSocket* socket)
+  enum class Field
   {
-    const qint64 size = socket ? socket->readBufferSize() : 0;
-    if (size <= 0)
-      return;
-    socket->setReadBufferSize(0);
-    socket->setReadBufferSize(size);
-  }
+    Signature,
+    HeaderSize,
+    HeaderChecksum,
+    Header,
+    Body,
+    None // the packet is read, or the attempt has failed
+  };
 
-  bool TakeWhole(QIODevice* device, Packet* packet)
-  {
-    if (device->bytesAvailable() < smallestPacket)
-      return false;
-    if (needed == 0 && !SkipToSignature(device, packet))
-      return true;
-    if (IsWhole(device))
-    {
-      *this = Intake(largest);
-      *packet = ReadPacket(device);
-      return true;
-    }
-    if (IsTooLarge() || !HasStalled(device->bytesAvailable()))
-      return false;
-    *this = Intake(largest);
-    *packet = ReadCopy(device, device->bytesAvailable());
-    return true;
-  }
-
-  // Where a signature, or what has come of it, begins.
-  static int FindBeginning(const QByteArray& data)
-  {
-    const int whole = data.indexOf(signature);
-    if (whole >= 0)
-      return whole;
-    int begun = std::max(data.size() - signature.size() + 1, 0);
-    while (!signature.startsWith(data.mid(begun)))
-      ++begun;
-    return begun;
-  }
-
-  // False when there was nothing but bytes that belong to no packet: then `packet` tells so.
-  bool SkipToSignature(QIODevice* device, Packet* packet)
-  {
-    while (device->peek(signature.size()) != signature)
-    {
-      // In pieces: what is looked at leaves the socket's buffer, which then takes in as much again.
-      const QByteArray glance = device->peek(std::min(device->bytesAvailable(), longestGlance));
-      const bool isAll = glance.size() == device->bytesAvailable();
-      device->skip(FindBeginning(glance));
-      if (isAll && device->bytesAvailable() < signature.size())
-      {
-        // Hunting through it byte by byte would find no more than this.
-        *packet = ReadCopy(device, 0);
-        return false;
-      }
-    }
-    needed = preambleSize;
-    return true;
-  }
-
-  bool IsWhole(QIODevice* device)
-  {
-    const long long available = device->bytesAvailable();
-    if (available >= needed && !isHeaderKnown)
-    {
-      const int headerSize = UnpackNumber<int>(device->peek(preambleSize), signature.size());
-      isHeaderKnown = true;
-      isBodyKnown = headerSize < smallestHeader;
-      if (!isBodyKnown)
-        needed += headerSize;
-    }
-    if (available >= needed && !isBodyKnown && !IsTooLarge())
-    {
-      needed += BodySize(device->peek(needed));
-      isBodyKnown = true;
-    }
-    return isBodyKnown && available >= needed && !IsTooLarge();
-  }
-
-  // What the packet reader will want behind this header.
-  static long long BodySize(const QByteArray& beginning)
-  {
-    const QByteArray header = beginning.mid(preambleSize);
-    if (Checksum(header) != UnpackNumber<quint16>(beginning, signature.size() + 4))
-      return 0;
-    QByteArray contextName;
-    QByteArray command;
-    if (!UnpackBytes(header, 0, &contextName) || !UnpackBytes(header, contextName.size() + 4LL, &command))
-      return 0;
-    const int size = UnpackNumber<int>(header, 8LL + contextName.size() + command.size());
-    return command.isEmpty() || size < smallestBody ? 0 : size;
-  }
-
-  bool HasStalled(long long available)
-  {
-    const boost::chrono::steady_clock::time_point now = boost::chrono::steady_clock::now();
-    if (available != seen)
-    {
-      seen = available;
-      lastArrival = now;
-    }
-    return now - lastArrival >= boost::chrono::milliseconds(transferTimeout);
-  }
-
-  static Packet ReadCopy(QIODevice* device, long long size)
-  {
-    QByteArray bytes = device->read(size);
-    QBuffer copy(&bytes);
-    copy.open(QIODevice::ReadOnly);
-    return ReadPacket(&copy);
-  }
+  int Hunt(QIODevice* device);
+  int ReadField(QIODevice* device);
+  void EndField();
+  void Begin(Field next, int bytesWanted);
+  void TakeHeader(const QByteArray& header);
+  void TakeBody(const QByteArray& body);
 
   long long largest;
-  long long needed = 0; // bytes that the packet is known to have; 0 when none has begun
-  bool isHeaderKnown = false;
-  bool isBodyKnown = false;
-  long long seen = 0;
-  boost::chrono::steady_clock::time_point lastArrival;
-  boost::chrono::steady_clock::time_point end; // of the pause
+  Field field = Field::Signature;
+  int matched = 0;               // bytes of the signature
+  int wanted = signature.size(); // bytes of the field
+  QByteArray bytes;              // that have come of it
+  long long size = 0;            // of the fields before it
+  long long taken = 0;
+  Packet packet;
+};
+
+/**
+ * Reads the packets of one connection without blocking, with the result that ReadPacket() would have had.
+ *
+ * A reader that has begun to read a packet takes its bytes as they come, and ends each wait for more after
+ * the time that ReadPacket() would have waited.
+ */
+class PacketReader
+{
+public:
+  using Clock = boost::chrono::steady_clock;
+
+  /** Packets of more than @p largest bytes are not read. It begins once @p threshold bytes wait. */
+  explicit PacketReader(long long largest = std::numeric_limits<long long>::max(),
+                        int threshold = smallestPacket);
+
+  /** Whether a packet is being read, or enough bytes wait to begin. */
+  bool IsDue(QIODevice* device) const;
+
+  /** Reads what has come. Returns true, and @p next, good or bad, when a packet has ended by @p now. */
+  bool Take(QIODevice* device, Packet* next, Clock::time_point now = Clock::now());
+
+  bool IsTooLarge() const { return current.IsTooLarge(); }
+
+  /** Bytes taken for the last packet. */
+  long long LastSize() const { return lastSize; }
+
+private:
+  bool HasRunOut(QIODevice* device, Clock::time_point now) const;
+
+  long long largest;
+  int threshold;
+  bool isReading = false;
+  PacketAssembly current;
+  Clock::time_point lastArrival;
+  long long lastSize = 0;
 };
 
 } // namespace Tavrik::Bazaar::Details
