@@ -185,6 +185,20 @@ TEST(Names, TheSamePairTwiceInOneProcessIsRefusedAndNeverJoins)
   EXPECT_EQ(log.Errors().size(), 1u);
 }
 
+TEST(Names, ThatDifferAfterAZeroByteAreTwo)
+{
+  Guest anna(QStringLiteral("anna"));
+  const QString longer = QStringLiteral("anna") + QChar(0) + QStringLiteral("b");
+  const LogCapture log;
+  Guest other(longer);
+  EXPECT_TRUE(SpinUntil([&] { return anna.context->HasMember(longer) && other.context->HasMember(longer); }));
+  EXPECT_THAT(log.Errors(), IsEmpty());
+  EXPECT_THAT(other.context->Members(), ElementsAre(QStringLiteral("anna"), longer));
+  const Guest again(longer);
+  EXPECT_THAT(log.Errors(), ElementsAre("The context name demo is already in use with the client name "
+                                        "anna\\x00b"));
+}
+
 TEST(Names, ThePairIsFreeAgainOnceItsContextHasGone)
 {
   {

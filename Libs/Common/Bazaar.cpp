@@ -108,6 +108,12 @@ long long Nanoseconds(SteadyClock::duration duration)
   return boost::chrono::duration_cast<boost::chrono::nanoseconds>(duration).count();
 }
 
+// Unlike QString::fromUtf8(name), not cut at a zero byte: names are compared whole.
+QString ToWholeString(const QByteArray& name)
+{
+  return QString::fromUtf8(name.constData(), name.size());
+}
+
 } // namespace
 
 namespace Details
@@ -1606,7 +1612,7 @@ bool Context::Impl::WaitMember(const QByteArray& name, long long timeout)
 
 QPair<QString, QString> Context::Impl::GetContextAndClientPair() const
 {
-  return {QString::fromUtf8(contextName), QString::fromUtf8(clientName)};
+  return {ToWholeString(contextName), ToWholeString(clientName)};
 }
 
 // ---- Leaving --------------------------------------------------------------------------------------------
@@ -1754,7 +1760,7 @@ QList<QString> Context::Members() const
 {
   QList<QString> names;
   for (const QByteArray& name : qAsConst(impl->members))
-    names.append(QString::fromUtf8(name));
+    names.append(ToWholeString(name));
   return names;
 }
 
