@@ -69,6 +69,7 @@ QList<Steps> ServerScripts()
   const Step tick = {2, 0, {}};
   const Step honest = {3, 0, "honest words"};
   const Step join = {0, 0, Introduction("hostile")};
+  const QByteArray garbage(60, 'g');
   return {
       {honest, tick, {3, 1, "to the server"}, tick, {4, 0, "own words"}, {5, 4, {}}, tick},
       {join, tick, {0, 0, Message(7, "A", "boo")}, tick, {6, 0, {}}, {1, 0, {}}, tick},
@@ -89,6 +90,15 @@ QList<Steps> ServerScripts()
        {5, 1, {}},
        {0, 0, Introduction("hostile").mid(20)}},
       {join, tick, {0, 0, Message(1, "A", "half").left(60)}, tick, {5, 255, {}}, {5, 255, {}}, tick, honest},
+      {join,
+       tick,
+       {0, 0, garbage + Message(1, "B", "cut").left(25)},
+       tick,
+       {5, 5, {}},
+       tick,
+       {0, 0, Message(2, "B", "next")},
+       tick},
+      {join, tick, {0, 0, garbage}, tick, {5, 11, {}}, tick, {0, 0, Message(1, "B", "late")}, tick},
       {join, tick, {0, 0, Result(1, "OK") + List({"x"})}, tick, tick, {7, 0, {}}, tick, honest, tick},
   };
 }
@@ -98,6 +108,7 @@ QList<Steps> ClientScripts()
   const Step tick = {2, 0, {}};
   const Step settled = {4, 4, {}};
   const Step reply = {0, 0, List({"hostile", "own"})};
+  const QByteArray garbage(60, 'g');
   const auto command = [](const QByteArray& text) { return Step{0, 0, Message(0, "hostile", text)}; };
   QList<Steps> scripts = {
       {{0, 0, {}}, reply, settled, tick, {3, 0, "words"}, tick, {7, 0, {}}, {0, 0, Result(1, "OK")}, tick},
@@ -110,6 +121,16 @@ QList<Steps> ClientScripts()
       {{0, 0, {}}, {5, 0, {}}, {6, 0, {}}, reply, settled, tick},
       {{0, 0, {}}, reply, settled, {0, 0, Wire::Packet(context, "RESULT", Wire::Little(9, 8))}, tick},
       {{0, 0, {}}, reply, settled, {0, 0, Wire::Packet(context, "OTHER", "body")}, tick},
+      {{0, 0, {}},
+       reply,
+       settled,
+       {0, 0, garbage + List({"own"}).left(25)},
+       tick,
+       {4, 6, {}},
+       tick,
+       reply,
+       tick},
+      {{0, 0, {}}, reply, settled, {0, 0, garbage}, tick, {4, 11, {}}, tick, reply, tick},
   };
   for (const char* text : {"say", "wait", "spin", "listen", "deaf", "leave"})
     scripts.append(

@@ -22,6 +22,7 @@ BUS = ["BazaarServerTest", "BazaarClientTest", "BazaarLimitsTest", "BazaarContex
 # What covers a source, the tests that need not be compiled anew first. Others than these are shown to the bus's.
 TESTS = {
     "AccessChecks.cpp": ["AccessRealityTest", "AccessChecksTest"],
+    "Bazaar/PacketReader.cpp": ["PacketReaderTest"] + BUS,
     "DaemonSettings.cpp": ["DaemonSettingsTest"],
     "DiskList.cpp": ["DiskListTest"],
     "Firewall.cpp": ["FirewallTest"],
@@ -30,6 +31,7 @@ TESTS = {
     "Platform/ToolOutput.cpp": ["ToolOutputTest", "DiskListTest", "FirewallTest"],
     "PathHelpers.cpp": ["PathHelpersTest", "PathSafetyTest"],
     "PathSafety.cpp": ["PathSafetyTest"],
+    "Printable.cpp": ["PrintableTest"],
     "RAMCleaner.cpp": ["RAMCleanerTest"],
     "RAMInfo.cpp": ["RAMInfoTest", "RAMCleanerTest"],
     "ReadProcess.cpp": ["ReadProcessTest"],
