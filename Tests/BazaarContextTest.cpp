@@ -199,6 +199,17 @@ TEST(Names, ThatDifferAfterAZeroByteAreTwo)
                                         "anna\\x00b"));
 }
 
+TEST(Names, ThatDifferInAByteOrderMarkAreTwo)
+{
+  Guest anna(QStringLiteral("anna"));
+  const QString marked = QChar(QChar::ByteOrderMark) + QStringLiteral("anna");
+  const LogCapture log;
+  Guest other(marked);
+  EXPECT_TRUE(SpinUntil([&] { return anna.context->HasMember(marked); }));
+  EXPECT_THAT(log.Errors(), IsEmpty());
+  EXPECT_THAT(other.context->Members(), ElementsAre(QStringLiteral("anna"), marked));
+}
+
 TEST(Names, ThePairIsFreeAgainOnceItsContextHasGone)
 {
   {

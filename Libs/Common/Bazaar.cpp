@@ -108,10 +108,12 @@ long long Nanoseconds(SteadyClock::duration duration)
   return boost::chrono::duration_cast<boost::chrono::nanoseconds>(duration).count();
 }
 
-// Unlike QString::fromUtf8(name), not cut at a zero byte: names are compared whole.
+// Unlike QString::fromUtf8(name), neither cut at a zero byte nor without its byte order mark: names are
+// compared whole.
 QString ToWholeString(const QByteArray& name)
 {
-  return QString::fromUtf8(name.constData(), name.size());
+  const QString text = QString::fromUtf8(name.constData(), name.size());
+  return name.startsWith("\xEF\xBB\xBF") ? QChar(QChar::ByteOrderMark) + text : text;
 }
 
 } // namespace
