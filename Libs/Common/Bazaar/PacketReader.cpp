@@ -145,7 +145,7 @@ void PacketAssembly::EndField()
     if (isWhole)
       packet.headerChecksum = UnpackNumber<quint16>(value, 0);
     else
-      LOG(ERROR) << "Can't read a header checksum: " << 0 << std::endl;
+      LOG(ERROR) << "Can't read a header checksum: " << 0 << '\n';
     return packet.headerSize < smallestHeader ? Begin(Field::None, 0)
                                               : Begin(Field::Header, packet.headerSize);
   case Field::Header:
