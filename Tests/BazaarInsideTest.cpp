@@ -10,6 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QLocalServer>
+
+#include <boost/thread/thread.hpp>
+
 #include <random>
 
 using testing::ElementsAre;
@@ -896,7 +900,7 @@ TEST_F(InsideTest, AReadThatTimedOutBreaksNoConnection)
   while (impl->socket->waitForReadyRead(1))
     continue;
   EXPECT_EQ(impl->socket->error(), QLocalSocket::SocketTimeoutError);
-  EXPECT_FALSE(impl->reconnectRequested);
+  EXPECT_FALSE(impl->IsReconnecting());
   EXPECT_TRUE(QFile::exists(impl->serverName));
   impl->Leave();
 }
@@ -920,8 +924,9 @@ TEST_F(InsideTest, TheSettleTimeCountsFromTheNewConnectionInTheTickThatReconnect
   ASSERT_TRUE(server->Init());
   ASSERT_TRUE(impl->Init());
   ASSERT_TRUE(SpinUntil([&] { return impl->HasMember("server") && impl->isSettled; }));
+  impl->socketTimer.stop();
   server->Leave();
-  impl->ScheduleReconnect();
+  ASSERT_TRUE(SpinUntil([&] { return impl->reconnectRequested; }));
   impl->Say("anna", "x");
   impl->CheckSocket();
   EXPECT_FALSE(impl->isSettled);
@@ -1004,7 +1009,7 @@ TEST_F(Handshake, WithAServerThatStopsServingStartsOver)
   isLeaving = true;
   replies = {QByteArray()};
   EXPECT_TRUE(impl->Init());
-  EXPECT_TRUE(impl->reconnectRequested);
+  EXPECT_TRUE(impl->IsReconnecting());
   ASSERT_TRUE(SpinUntil([&] { return impl->HasMember("anna"); }));
   EXPECT_NE(impl->server, nullptr);
 }
@@ -1106,16 +1111,17 @@ struct Routing : InsideTest
   ~Routing() override
   {
     impl->closing = true;
-    impl->DropServer();
+    impl->StopServing();
   }
 
   void Admit(const QByteArray& name, QLocalSocket* end)
   {
     impl->server->disconnect();
+    QObject::connect(impl->server.get(), &Details::ListeningSocket::Accepted, impl->server.get(),
+                     [=](QLocalSocket* client) { impl->Enter(name, client); });
     end->connectToServer(impl->serverName);
     end->waitForConnected();
-    impl->server->waitForNewConnection(1000);
-    impl->Enter(name, impl->server->nextPendingConnection());
+    EXPECT_TRUE(SpinUntil([&] { return impl->clients.contains(name); }));
   }
 
   Wire::Received Next(QLocalSocket* end)

@@ -157,6 +157,11 @@ TEST_F(PeerOnMacOS, AProcessLivesWhileItsStartTimeIsTheSame)
   EXPECT_THAT(system.calls, ElementsAre("sysctl 1.14.1.4711 1 1 0", "sysctl 1.14.1.4711 1 1 0"));
 }
 
+TEST_F(PeerOnMacOS, AProcessWhoseStartTimeIsUnknownLivesWhileAProcessHasItsId)
+{
+  EXPECT_TRUE(IsAlive({pid, 0}));
+}
+
 TEST_F(PeerOnMacOS, AProcessThatHasEndedAndWaitsForItsParentDoesNotLive)
 {
   system.process.kp_proc.p_stat = SZOMB;

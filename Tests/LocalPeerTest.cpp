@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -60,6 +61,31 @@ TEST(LocalPeer, OfWhatIsNoSocketIsUnknown)
     EXPECT_EQ(peer.process.pid, 0);
     EXPECT_FALSE(IsAlive(peer.process));
   }
+  close(ends[0]);
+  close(ends[1]);
+}
+
+TEST(LocalPeer, WhoseStartIsUnknownIsAliveWhileAProcessHasItsId)
+{
+  EXPECT_TRUE(IsAlive({getpid(), 0}));
+}
+
+TEST(LocalPeer, IsAliveAlsoForAProcessThatHasNoDescriptorLeft)
+{
+  const ProcessIdentity process = GetOwnPeer().process;
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+  EXPECT_TRUE(RunInChild(
+      [&]
+      {
+        const rlimit none = {0, 0};
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+        EXPECT_TRUE(IsAlive(process));
+        const LocalPeer peer = GetLocalPeer(ends[0]);
+        EXPECT_EQ(peer.process.pid, process.pid);
+        EXPECT_EQ(peer.process.startTime, 0);
+        EXPECT_TRUE(IsAlive(peer.process));
+      }));
   close(ends[0]);
   close(ends[1]);
 }

@@ -13,18 +13,16 @@
 #include <Common/Bazaar.h>
 
 #include <Common/Bazaar/PacketReader.h>
+#include <Common/Bazaar/Rendezvous.h>
 #include <Common/Platform/LocalPeer.h>
 #include <Common/Printable.h>
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
-#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
 #include <QHash>
-#include <QLocalServer>
 #include <QLocalSocket>
 #include <QMap>
 #include <QPair>
@@ -34,20 +32,15 @@
 #include <QVector>
 
 #include <boost/chrono.hpp>
-#include <boost/date_time/posix_time/posix_time.hpp>
 #include <boost/thread/locks.hpp>
 #include <boost/thread/mutex.hpp>
-#include <boost/thread/thread.hpp>
 #include <glog/logging.h>
 
 #include <algorithm>
 #include <atomic>
-#include <fcntl.h>
 #include <functional>
 #include <limits>
 #include <poll.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -86,6 +79,11 @@ const int serverTimeout = 3000;          // ms, for a server that may not exist 
 const int ownServerTimeout = 30000;      // ms, for a server that must exist to accept
 const int introductionTimeout = 50;      // ms, for another look at an introduction that is not there whole
 const int lockTimeout = 3000;            // ms, for another participant's start-up to end
+const int servicePause = 20;             // ms, from a broken connection to the end of an own server
+const int shortestPause = 20;            // ms, from then to the next attempt, and at random up to
+const int reconnectSpread = 150;         // ms more
+const int retryPause = 1000;             // ms, in place of the former after an attempt that failed
+const int serverCheckPeriod = 1000;      // ms, between two looks at whether the server's process still lives
 const int heartbeat = 100;               // ms, between two looks at whether the server still lives
 const int drainTimeout = 30000;          // ms without a connection, after which a queue is given up
 const int writeOutTimeout = 3000;        // ms without progress, after which unwritten bytes are given up
@@ -168,157 +166,21 @@ const QMap<QString, Error> errorCodes = GetErrorCodes();
 
 // ---- The rendezvous -------------------------------------------------------------------------------------
 
-// Held from the first attempt to connect until the participant is connected: looking for a server, removing
-// what a dead one left and listening are one step for everybody who takes it. Who cannot have it in time goes
-// on without.
-class StartupLock
-{
-public:
-  explicit StartupLock(const QString& serverName)
-  {
-    const QByteArray path = QFile::encodeName(serverName + QStringLiteral(".lock"));
-    file = open(path.constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (file >= 0 && IsOwn())
-      Wait();
-  }
-
-  ~StartupLock()
-  {
-    if (file >= 0)
-      close(file);
-  }
-
-  StartupLock(const StartupLock&) = delete;
-  StartupLock& operator=(const StartupLock&) = delete;
-
-private:
-  // Anybody may have put a file of that name into a shared temporary directory.
-  bool IsOwn() const
-  {
-    struct stat status = {};
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
-        status.st_nlink != 1)
-      return false;
-    return (status.st_mode & ALLPERMS) == (S_IRUSR | S_IWUSR) || fchmod(file, S_IRUSR | S_IWUSR) == 0;
-  }
-
-  void Wait() const
-  {
-    QElapsedTimer waiting;
-    waiting.start();
-    while (flock(file, LOCK_EX | LOCK_NB) != 0 && (errno == EWOULDBLOCK || errno == EINTR) &&
-           !waiting.hasExpired(lockTimeout))
-      boost::this_thread::sleep_for(boost::chrono::milliseconds(2));
-  }
-
-  int file = -1;
-};
-
-} // namespace
-
-namespace Details
-{
-
-// Tells a socket file from a later one of the same name.
-struct SocketFile
-{
-  dev_t device = 0;
-  ino_t node = 0;
-  qint64 changed = 0;
-
-  bool operator==(const SocketFile& other) const { return IsSameNode(other) && changed == other.changed; }
-
-  // Enough where the other's socket lives: its node is not given to anybody else.
-  bool IsSameNode(const SocketFile& other) const { return device == other.device && node == other.node; }
-  bool IsMissing() const { return device == 0 && node == 0; }
-};
-
-} // namespace Details
-
-namespace
-{
-
-// Without the time, which costs ten times as much to find out.
-Details::SocketFile LookAtSocketNode(const QString& serverName)
-{
-  struct stat status = {};
-  if (stat(QFile::encodeName(serverName).constData(), &status) != 0 || !S_ISSOCK(status.st_mode))
-    return {};
-  return {status.st_dev, status.st_ino};
-}
-
-Details::SocketFile LookAtSocketFile(const QString& serverName)
-{
-  Details::SocketFile file = LookAtSocketNode(serverName);
-  if (!file.IsMissing())
-    file.changed = QFileInfo(serverName).metadataChangeTime().toMSecsSinceEpoch();
-  return file;
-}
-
-// Whether somebody else listens where the server with the file `own` did. He could not reach it: its file had
-// been removed, or he went on without the start-up lock.
-bool HasSuccessor(const QString& serverName, const Details::SocketFile& own)
-{
-  const Details::SocketFile present = LookAtSocketNode(serverName);
-  return !present.IsMissing() && !present.IsSameNode(own);
-}
-
-// A closing QLocalServer removes its file by name, whosever it has become. While this lives the file of a
-// successor is not found under that name.
-class SuccessorsFile
-{
-public:
-  SuccessorsFile(const QString& serverName, const Details::SocketFile& own)
-      : path(QFile::encodeName(serverName)),
-        aside(path + ".successor"),
-        isAside(HasSuccessor(serverName, own) && rename(path.constData(), aside.constData()) == 0)
-  {
-  }
-
-  ~SuccessorsFile()
-  {
-    if (isAside)
-      rename(aside.constData(), path.constData());
-  }
-
-  SuccessorsFile(const SuccessorsFile&) = delete;
-  SuccessorsFile& operator=(const SuccessorsFile&) = delete;
-
-private:
-  const QByteArray path;
-  const QByteArray aside;
-  const bool isAside;
-};
-
 // Another user may have squatted the name in a shared temporary directory.
 bool IsTrusted(const Platform::LocalPeer& peer)
 {
-  return !peer.isKnown || peer.userId == getuid() || peer.userId == geteuid() || peer.userId == 0;
+  return !peer.isKnown || Details::IsTrustedUser(peer.userId);
+}
+
+// What a server leaves when it ends may still be held open by a process that it has forked.
+bool HasEnded(const Platform::ProcessIdentity& process)
+{
+  return process.pid > 0 && !Platform::IsAlive(process);
 }
 
 bool IsOwnProcess(const Platform::ProcessIdentity& process)
 {
   return process.pid <= 0 || process.pid == getpid();
-}
-
-// Makes what is created in its scope the user's alone from the first instant.
-class PrivateCreation
-{
-public:
-  PrivateCreation() : previous(umask(S_IRWXG | S_IRWXO)) {}
-  ~PrivateCreation() { umask(previous); }
-
-  PrivateCreation(const PrivateCreation&) = delete;
-  PrivateCreation& operator=(const PrivateCreation&) = delete;
-
-private:
-  mode_t previous;
-};
-
-void Pause(long microseconds)
-{
-  boost::this_thread::sleep(boost::posix_time::microsec_clock::universal_time() +
-                            boost::posix_time::microseconds(microseconds));
 }
 
 int Random()
@@ -410,16 +272,23 @@ public:
   bool FailAttempt(bool isTicking);
   void BecomeServer();
   void RemoveSocketFile();
-  void ShakeHands();
+  bool ShakeHands();
   void SendIntroduction();
   bool WaitForReply(Packet* reply);
   bool TakeReply(Packet* reply);
   void StartOver();
   bool IsServerGone() const;
+  bool IsServerProcessGone();
   void Attach();
   void ScheduleReconnect();
+  void EndService();
+  bool IsPausing() const;
+  bool IsReconnecting() const;
+  bool IsLockBusy();
+  std::unique_ptr<Details::StartupLock> TakeLock();
   void DropSocket();
   void DropServer();
+  void StopServing();
 
   // Serving
   void AddClient(QLocalSocket* client);
@@ -484,6 +353,7 @@ public:
   QByteArray contextName;
   QByteArray clientName;
   QString serverName;
+  const pid_t process = getpid();
   bool closing = false; // set when the Context is destroyed: everything on the stack has to unwind
   SteadyClock::time_point lastConnectTime;
   std::unique_ptr<QLocalSocket> socket;
@@ -496,13 +366,21 @@ public:
   long long lastMessageId = 0;
   bool isRegistered = false; // whether the pair of names was entered by this context
   bool reconnectRequested = false;
+  QTimer serviceTimer;                               // from a broken connection to the end of an own server
+  QTimer reconnectTimer;                             // from then until a reconnection is requested
+  QElapsedTimer lockWait;                            // since the start-up lock is wanted
+  std::unique_ptr<Details::StartupLock> startupLock; // taken for the reconnection that is about to begin
+  int reconnectPause = 0;                            // ms of `reconnectTimer`
+  bool isUnreachable = false; // whether the latest attempt found no server and made none
+  bool isUnanswered = false;  // whether it found one that did not answer
+  QElapsedTimer serverCheck;  // since the last look at the server's process
   QVector<QByteArray> deferredStatus;
   QVector<PendingMessage> pending;
   long long pendingBytes = 0;  // of the packets in `pending`
   bool isReplyOverdue = false; // whether the last handshake ended for that
   QVector<QByteArray> members;
-  std::unique_ptr<QLocalServer> server; // listening, and `socket` is connected to it; or empty
-  Details::SocketFile ownFile;          // through which others connect to `server`
+  std::unique_ptr<Details::ListeningSocket> server; // `socket` is connected to it; or empty
+  Details::SocketFile ownFile;                      // through which others connect to `server`
   QMap<QByteArray, QPointer<QLocalSocket>> clients;
   QHash<const QLocalSocket*, Details::Intake> intakes; // of `clients`
   QVector<Entrant> entrants;
@@ -526,13 +404,26 @@ Context::Impl::Impl(const QString& contextName, const QString& clientName, int f
 
   QObject::connect(
       &clientsTimer, &QTimer::timeout, &clientsTimer, [this] { CheckClients(); }, Qt::DirectConnection);
+  serviceTimer.setSingleShot(true);
+  QObject::connect(
+      &serviceTimer, &QTimer::timeout, &serviceTimer, [this] { EndService(); }, Qt::DirectConnection);
+  reconnectTimer.setSingleShot(true);
+  QObject::connect(
+      &reconnectTimer, &QTimer::timeout, &reconnectTimer,
+      [this]
+      {
+        reconnectRequested = true;
+        lockWait.start();
+      },
+      Qt::DirectConnection);
   if (QCoreApplication::instance())
     quitConnection =
         QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &clientsTimer,
                          [this]
                          {
                            const auto self = shared_from_this();
-                           Drain();
+                           if (process == getpid())
+                             Drain();
                          });
 }
 
@@ -704,7 +595,7 @@ bool Context::Impl::Init()
   const bool isTicking = socketTimer.isActive();
   bool isElected = false; // by this attempt, whoever it was
   {
-    const StartupLock lock(serverName);
+    const auto lock = TakeLock();
     if (Connect(serverTimeout))
       NoteConnection();
     else if ((flags & NoServer) != 0)
@@ -715,29 +606,27 @@ bool Context::Impl::Init()
       isElected = true;
       if (!ConnectToElected())
         return FailAttempt(isTicking);
-      // Without the lock somebody else may have put his file there before or after the look at one's own.
+      // Without the lock another server may have put its file there before or after the look at the own one.
       if (server && (!IsOwnProcess(serverProcess) || !ownFile.IsSameNode(serverFile)))
-      {
-        ownFile = Details::SocketFile();
         DropServer();
-      }
     }
   }
-  ShakeHands();
-  if (!closing && !isElected && !reconnectRequested && !IsConnected(socket.get()))
+  bool isAnswered = ShakeHands();
+  if (!closing && !isElected && !IsReconnecting() && !IsConnected(socket.get()))
   {
     if (!ConnectToElected())
       return FailAttempt(isTicking);
-    ShakeHands();
+    isAnswered = ShakeHands();
   }
   if (closing)
     return false;
 
   // A server that never answers must not make every further tick come once more.
-  if (!isTicking || !isReplyOverdue)
+  if (!isTicking || isAnswered)
     Attach();
-  if (isTicking && !reconnectRequested && !IsConnected(socket.get()))
+  if (isTicking && !IsReconnecting() && !IsConnected(socket.get()))
     ScheduleReconnect();
+  isUnanswered = !isAnswered;
   return true;
 }
 
@@ -770,18 +659,22 @@ bool Context::Impl::Connect(int timeout)
   socket = std::make_unique<QLocalSocket>();
   LimitReading(socket.get());
   intake = Details::Intake(LargestPacket());
+  // Waiting for another user's server may take the whole time limit.
+  if (!Details::IsTrustedSocketFile(serverName))
+    return false;
   socket->connectToServer(serverName, QIODevice::ReadWrite);
   if (!socket->waitForConnected(timeout))
     return false;
 
   const Platform::LocalPeer peer = Platform::GetLocalPeer(static_cast<int>(socket->socketDescriptor()));
-  if (!IsTrusted(peer))
+  if (!IsTrusted(peer) || HasEnded(peer.process))
   {
     socket->abort();
     return false;
   }
   serverProcess = peer.process;
-  serverFile = LookAtSocketFile(serverName);
+  serverFile = Details::LookAtSocketFile(serverName);
+  serverCheck.start();
   return true;
 }
 
@@ -792,14 +685,16 @@ bool Context::Impl::ConnectToElected()
     NoteConnection();
     return true;
   }
-  LOG(ERROR) << Printable(clientName).constData() << " couldn't connect to the server ("
-             << static_cast<const void*>(serverName.constData()) << ")";
+  LOG_IF(ERROR, !isUnreachable) << Printable(clientName).constData() << " couldn't connect to the server ("
+                                << static_cast<const void*>(serverName.constData()) << ")";
+  isUnreachable = true;
   return false;
 }
 
 void Context::Impl::NoteConnection()
 {
   lastConnectTime = SteadyClock::now();
+  isUnreachable = false;
   LOG(INFO) << Printable(clientName).constData() << " has connected to a server ("
             << static_cast<const void*>(serverName.constData()) << ")";
 }
@@ -822,23 +717,22 @@ bool Context::Impl::FailAttempt(bool isTicking)
 
 void Context::Impl::BecomeServer()
 {
+  // Without a descriptor for it, no other server could be reached either: its file stays.
+  auto candidate = Details::ListeningSocket::Open();
+  if (!candidate)
+    return;
   RemoveSocketFile();
   clients.clear();
   intakes.clear();
   entrants.clear();
 
-  auto candidate = std::make_unique<QLocalServer>();
-  {
-    const PrivateCreation creation;
-    if (!candidate->listen(serverName))
-      return;
-  }
-  QFile::setPermissions(serverName, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-  ownFile = LookAtSocketFile(serverName);
+  if (!candidate->Listen(serverName))
+    return;
+  ownFile = Details::LookAtSocketFile(serverName);
   server = std::move(candidate);
   QObject::connect(
-      server.get(), &QLocalServer::newConnection, server.get(),
-      [this] { AddClient(server->nextPendingConnection()); }, Qt::DirectConnection);
+      server.get(), &Details::ListeningSocket::Accepted, server.get(),
+      [this](QLocalSocket* client) { AddClient(client); }, Qt::DirectConnection);
   clientsTimer.start(tickPeriod);
   ticksToAlignment = 0;
 }
@@ -849,32 +743,34 @@ void Context::Impl::RemoveSocketFile()
     VLOG(30) << "Can't remove an old local socket file: " << Printable(serverName).constData();
 }
 
-void Context::Impl::ShakeHands()
+// Whether the server has answered, well or badly, or need not.
+bool Context::Impl::ShakeHands()
 {
   isReplyOverdue = false;
   if (server && FirstAdmission::Claim(this))
-    return;
+    return true;
 
   SendIntroduction();
   Packet packet;
   if (!WaitForReply(&packet))
-    return;
+    return false;
   if (!IsUsable(packet))
   {
     LOG(ERROR) << "Can't read a packet";
-    return;
+    return true;
   }
   if (packet.command != commandStatus)
   {
     LOG(ERROR) << "Expected " << commandStatus.constData() << " got "
                << Printable(packet.command).constData();
-    return;
+    return true;
   }
   const BodyStatus status = ParseBodyStatus(packet.body);
   if (status.members.isEmpty())
     LOG(ERROR) << "Can't parse a body of the command " << Printable(packet.command).constData();
   else
     DispatchMembership(status);
+  return true;
 }
 
 void Context::Impl::SendIntroduction()
@@ -939,9 +835,18 @@ void Context::Impl::StartOver()
 bool Context::Impl::IsServerGone() const
 {
   const bool isConnected = IsConnected(socket.get());
-  if (serverProcess.pid > 0 && !Platform::IsAlive(serverProcess))
+  if (HasEnded(serverProcess))
     return true;
-  return !isConnected && (serverProcess.pid <= 0 || !(LookAtSocketFile(serverName) == serverFile));
+  return !isConnected && (serverProcess.pid <= 0 || !(Details::LookAtSocketFile(serverName) == serverFile));
+}
+
+// A process that the server has forked may keep the connection of a server that has ended open.
+bool Context::Impl::IsServerProcessGone()
+{
+  if (!IsConnected(socket.get()) || !serverCheck.hasExpired(serverCheckPeriod))
+    return false;
+  serverCheck.start();
+  return HasEnded(serverProcess);
 }
 
 void Context::Impl::Attach()
@@ -967,19 +872,64 @@ void Context::Impl::Attach()
     socketTimer.start(tickPeriod);
 }
 
-// The pauses spread the survivors of a server over time.
+// Nothing waits here: the ticks do nothing until both pauses are over. The random one spreads the survivors
+// of a server over time.
 void Context::Impl::ScheduleReconnect()
 {
-  Pause(20000);
+  if (IsReconnecting())
+    return;
+  if (server)
+    server->Pause();
+  // A server that ends in the handshake is replaced as soon as any other, but not time after time.
+  reconnectPause = isUnreachable || isUnanswered ? retryPause : shortestPause;
+  lockWait.start();
+  serviceTimer.start(servicePause);
+}
+
+void Context::Impl::EndService()
+{
   if (server)
   {
-    const StartupLock lock(serverName);
-    DropServer();
-    if (!HasSuccessor(serverName, ownFile))
-      RemoveSocketFile();
+    if (IsLockBusy())
+    {
+      serviceTimer.start(tickPeriod);
+      return;
+    }
+    StopServing();
+    startupLock.reset();
   }
-  Pause(20000 + Random() % 150000);
-  reconnectRequested = true;
+  reconnectTimer.start(reconnectPause + Random() % (reconnectSpread * 1000) / 1000);
+}
+
+bool Context::Impl::IsPausing() const
+{
+  return serviceTimer.isActive() || reconnectTimer.isActive();
+}
+
+bool Context::Impl::IsReconnecting() const
+{
+  return IsPausing() || reconnectRequested;
+}
+
+// Whether the lock has to be waited for, which has an end. Takes it otherwise.
+bool Context::Impl::IsLockBusy()
+{
+  startupLock = std::make_unique<Details::StartupLock>(serverName);
+  if (!startupLock->IsBusy() || lockWait.hasExpired(lockTimeout))
+    return false;
+  startupLock.reset();
+  return true;
+}
+
+// Blocks, unless a tick has taken the lock already.
+std::unique_ptr<Details::StartupLock> Context::Impl::TakeLock()
+{
+  if (!startupLock)
+  {
+    startupLock = std::make_unique<Details::StartupLock>(serverName);
+    startupLock->Wait(lockTimeout);
+  }
+  return std::move(startupLock);
 }
 
 void Context::Impl::DropSocket()
@@ -991,7 +941,15 @@ void Context::Impl::DropSocket()
   deferredStatus.clear();
 }
 
-// Needs the start-up lock, or a successor may put his file there meanwhile.
+// Needs the start-up lock, or the file may be a successor's by the time that it is removed.
+void Context::Impl::StopServing()
+{
+  DropServer();
+  if (!Details::HasSuccessor(serverName, ownFile))
+    RemoveSocketFile();
+}
+
+// Touches nothing outside the process.
 void Context::Impl::DropServer()
 {
   clientsTimer.stop();
@@ -1002,7 +960,6 @@ void Context::Impl::DropServer()
   clients.clear();
   intakes.clear();
   entrants.clear();
-  const SuccessorsFile kept(serverName, ownFile);
   server.reset();
 }
 
@@ -1297,11 +1254,14 @@ void Context::Impl::TellMembers()
 
 void Context::Impl::CheckClients()
 {
-  if (HasSuccessor(serverName, ownFile))
+  if (IsPausing())
+    return;
+  if (Details::HasSuccessor(serverName, ownFile))
   {
     ScheduleReconnect();
     return;
   }
+  server->Resume();
   AlignTicks();
   CheckEntrants();
   HearOwn();
@@ -1448,16 +1408,26 @@ void Context::Impl::CheckSocket()
 
 void Context::Impl::Tick()
 {
+  if (IsPausing())
+    return;
   isSettled = TimeSinceConnection() >= settleTime;
 
-  // What came before the connection broke would go with the socket.
   if (reconnectRequested)
+  {
+    // What came before the connection broke would go with the socket.
     ReadIncoming(std::numeric_limits<long long>::max());
-  if (closing)
+    if (closing || IsLockBusy())
+      return;
+  }
+  else if (IsServerProcessGone())
+  {
+    ScheduleReconnect();
     return;
+  }
 
   const SteadyClock::time_point previousConnectTime = lastConnectTime;
   const bool isStarted = Init();
+  startupLock.reset();
   if (closing)
     return;
   if (!isStarted)
@@ -1682,21 +1652,29 @@ void Context::Impl::PassOnOwnMessages()
     continue;
 }
 
+// A forked process shares the sockets and the file with the one that made them, and only frees its memory.
 void Context::Impl::Leave()
 {
-  Drain();
+  const bool isOwnProcess = process == getpid();
+  if (isOwnProcess)
+    Drain();
   closing = true;
-  Unregister();
+  if (isOwnProcess)
+    Unregister();
 
   QObject::disconnect(quitConnection);
   clientsTimer.stop();
+  serviceTimer.stop();
+  reconnectTimer.stop();
   stagedListeners.clear();
   listeners.clear();
-  if (server)
+  if (server && isOwnProcess)
   {
-    const StartupLock lock(serverName);
-    DropServer();
+    const auto lock = TakeLock();
+    StopServing();
   }
+  else if (server)
+    DropServer();
   members.clear();
   pending.clear();
   socketTimer.stop();

@@ -5,6 +5,9 @@
 //   members                 tells the members
 //   blink                   leaves and comes back
 //   quit                    leaves
+//   exhaust                 leaves no file descriptor for anything more; `relieve` ends that
+//   fork                    forks a process that holds everything this one holds until its leader goes
+//   forget                  forks a process that destroys its copy of the context and ends
 //
 // and telling what it hears on its standard output, and besides the id of what it said (`said ID`) and when,
 // in milliseconds, it connected to a server (`connected TIME`). At the end of its input it leaves, too.
@@ -23,6 +26,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <csignal>
@@ -99,11 +105,57 @@ public:
       context.reset();
       Join();
     }
+    else if (words.value(0) == "exhaust")
+    {
+      const int next = dup(STDIN_FILENO);
+      close(next);
+      LimitFiles(static_cast<rlim_t>(next));
+    }
+    else if (words.value(0) == "relieve")
+      LimitFiles(256);
+    else if (words.value(0) == "fork")
+      Tell(QStringLiteral("forked %1").arg(Fork(&WaitForLeader)));
+    else if (words.value(0) == "forget")
+    {
+      const pid_t child = Fork([this] { context.reset(); });
+      waitpid(child, nullptr, 0);
+      Tell(QStringLiteral("forgotten"));
+    }
     else if (words.value(0) == "quit")
       QCoreApplication::quit();
   }
 
 private:
+  static void LimitFiles(rlim_t count)
+  {
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = count;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    Tell(QStringLiteral("limited"));
+  }
+
+  // The leader holds the other end of the standard input.
+  static void WaitForLeader()
+  {
+    pollfd input = {STDIN_FILENO, 0, 0};
+    poll(&input, 1, -1);
+  }
+
+  // In the child, ends as a program does.
+  template<typename Work>
+  static pid_t Fork(const Work& work)
+  {
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0)
+    {
+      work();
+      std::exit(EXIT_SUCCESS);
+    }
+    return child;
+  }
+
   void Join()
   {
     context = std::make_unique<Bazaar::Context>(arguments.value(1), arguments.value(2), teller,

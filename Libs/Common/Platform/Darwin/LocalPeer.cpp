@@ -64,7 +64,7 @@ bool IsAlive(const ProcessIdentity& process)
   switch (ReadProcess(process.pid, &info))
   {
   case Answer::Found:
-    return info.kp_proc.p_stat != SZOMB && StartTime(info) == process.startTime;
+    return info.kp_proc.p_stat != SZOMB && (process.startTime == 0 || StartTime(info) == process.startTime);
   case Answer::NoSuchProcess:
     return false;
   case Answer::Refused:

@@ -16,23 +16,25 @@ namespace
 
 struct ProcessState
 {
-  char state = 0; // 0: there is no such process, or no /proc to look at
+  bool isMissing = false; // also where there is no /proc to look at
+  char state = 0;         // 0 when it could not be read
   long long startTime = 0;
 };
 
 ProcessState ReadState(pid_t pid)
 {
   QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
+  errno = 0;
   if (!file.open(QIODevice::ReadOnly))
-    return {};
+    return {errno == ENOENT};
 
   // The command in the second field may hold blanks and parentheses of its own.
   const QByteArray text = file.readAll();
   const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
   const int startTimeField = 19;
   if (fields.size() <= startTimeField || fields.first().isEmpty())
-    return {};
-  return {fields.first().at(0), fields.at(startTimeField).toLongLong()};
+    return {true};
+  return {false, fields.first().at(0), fields.at(startTimeField).toLongLong()};
 }
 
 } // namespace
@@ -51,9 +53,13 @@ bool IsAlive(const ProcessIdentity& process)
   if (process.pid <= 0 || (kill(process.pid, 0) != 0 && errno == ESRCH))
     return false;
   const ProcessState now = ReadState(process.pid);
+  const bool isStartKnown = process.startTime != 0;
+  if (now.isMissing)
+    return !isStartKnown;
+  // Without a descriptor left there is no more to know than that a process has this id.
   if (now.state == 0)
-    return process.startTime == 0;
-  return now.state != 'Z' && now.state != 'X' && now.startTime == process.startTime;
+    return true;
+  return now.state != 'Z' && now.state != 'X' && (!isStartKnown || now.startTime == process.startTime);
 }
 
 } // namespace Tavrik::Platform
