@@ -17,6 +17,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocalServer>
 #include <QThread>
 
 #include <algorithm>
@@ -91,16 +92,25 @@ int CountFailures(const LogCapture& log)
                                         { return line.find("couldn't connect") != std::string::npos; }));
 }
 
+// A participant of this process and the server that it is about to lose.
+struct Survivor : testing::Test
+{
+  Survivor() { EXPECT_TRUE(isReady && anna.Sees({"anna", "server"})); }
+
+  const Meeting meeting{bus};
+  Peer server{bus, QStringLiteral("server")};
+  const bool isReady = server.IsReady();
+  const Guest anna{QStringLiteral("anna")};
+};
+
 // ---- The temporary folder
 
-TEST(TemporaryFolder, ThatIsGoneLeavesTheEventLoopFreeAndIsLoggedOnce)
+struct TemporaryFolder : Survivor
 {
-  const Meeting meeting(bus);
-  Peer server(bus, QStringLiteral("server"));
-  ASSERT_TRUE(server.IsReady());
-  const Guest anna(QStringLiteral("anna"));
-  ASSERT_TRUE(anna.Sees({"anna", "server"}));
+};
 
+TEST_F(TemporaryFolder, ThatIsGoneLeavesTheEventLoopFreeAndIsLoggedOnce)
+{
   const QString folder = QDir::tempPath();
   const LogCapture log;
   server.Kill();
@@ -116,6 +126,10 @@ TEST(TemporaryFolder, ThatIsGoneLeavesTheEventLoopFreeAndIsLoggedOnce)
 }
 
 // ---- The start-up lock
+
+struct StartupLock : Survivor
+{
+};
 
 // Nothing can be removed, listened on or connected to where a folder stands.
 struct Obstacle
@@ -149,13 +163,8 @@ double MeasureLockHolding(int duration)
   return static_cast<double>(held) / looks;
 }
 
-TEST(StartupLock, IsNotHeldDuringThePausesBetweenAttempts)
+TEST_F(StartupLock, IsNotHeldDuringThePausesBetweenAttempts)
 {
-  const Meeting meeting(bus);
-  Peer server(bus, QStringLiteral("server"));
-  ASSERT_TRUE(server.IsReady());
-  const Guest anna(QStringLiteral("anna"));
-  ASSERT_TRUE(anna.Sees({"anna", "server"}));
   const LogCapture log;
   server.Kill();
   ASSERT_TRUE(QFile::remove(Wire::ServerName(bus)));
@@ -166,14 +175,8 @@ TEST(StartupLock, IsNotHeldDuringThePausesBetweenAttempts)
   EXPECT_TRUE(anna.Sees({"anna"}));
 }
 
-TEST(StartupLock, HeldByAnotherProcessDoesNotBlockTheEventLoopOfAReconnection)
+TEST_F(StartupLock, HeldByAnotherProcessDoesNotBlockTheEventLoopOfAReconnection)
 {
-  const Meeting meeting(bus);
-  Peer server(bus, QStringLiteral("server"));
-  ASSERT_TRUE(server.IsReady());
-  const Guest anna(QStringLiteral("anna"));
-  ASSERT_TRUE(anna.Sees({"anna", "server"}));
-
   const int lock = open((SocketPath() + ".lock").constData(), O_RDWR | O_CLOEXEC);
   ASSERT_GE(lock, 0);
   ASSERT_EQ(flock(lock, LOCK_EX), 0);
@@ -189,14 +192,16 @@ TEST(StartupLock, HeldByAnotherProcessDoesNotBlockTheEventLoopOfAReconnection)
 TEST(SocketFile, ThatIsALinkIsReplacedAndNotFollowed)
 {
   const Meeting meeting(bus);
-  const QByteArray elsewhere = SocketPath() + ".lock"; // a name that may stay behind
-  ASSERT_EQ(symlink(elsewhere.constData(), SocketPath().constData()), 0);
-  QFile::remove(QFile::decodeName(elsewhere));
+  const QString elsewhere = Wire::ServerName(bus) + ".elsewhere";
+  QLocalServer silent;
+  ASSERT_TRUE(silent.listen(elsewhere));
+  ASSERT_EQ(symlink(QFile::encodeName(elsewhere).constData(), SocketPath().constData()), 0);
   const Guest anna(QStringLiteral("anna"));
   EXPECT_TRUE(anna.context->WaitMember(QStringLiteral("anna"), 20000));
   struct stat status = {};
   ASSERT_EQ(lstat(SocketPath().constData(), &status), 0);
   EXPECT_TRUE(S_ISSOCK(status.st_mode));
+  EXPECT_FALSE(silent.waitForNewConnection(0));
 }
 
 sockaddr_un Address(const QByteArray& path)

@@ -5,7 +5,7 @@
 // Everything of a context happens on one thread, from two timers: CheckSocket is the client's tick, and in
 // the serving process CheckClients is the server's. Neither waits for bytes that are not there yet: a
 // PacketReader takes the bytes of a packet as they come, and reports one that stalls.
-// What blocks is the connection, the handshake on either side, and the pauses after a broken connection.
+// The connection and the handshake on either side block; the pauses after a broken connection do not.
 //
 // A listener may do anything, destroying the context that calls it included. So an entry point holds the Impl
 // alive, lists are walked by copy, and after every call `closing` is looked at before anything else.
@@ -408,6 +408,7 @@ Context::Impl::Impl(const QString& contextName, const QString& clientName, int f
   QObject::connect(
       &serviceTimer, &QTimer::timeout, &serviceTimer, [this] { EndService(); }, Qt::DirectConnection);
   reconnectTimer.setSingleShot(true);
+  reconnectTimer.setTimerType(Qt::PreciseTimer);
   QObject::connect(
       &reconnectTimer, &QTimer::timeout, &reconnectTimer,
       [this]

@@ -50,8 +50,8 @@ struct Limits
 
   /**
    * Milliseconds in which a server has to answer a participant's introduction with the list of members; then
-   * the participant closes the connection and begins anew on its next tick, so that a constructor returns
-   * without a member. Messages said until then are "NOT SENT".
+   * the participant closes the connection and begins anew after at most 0.2 s, from the second time on after
+   * about 1 s, so that a constructor returns without a member. Messages said until then are "NOT SENT".
    */
   long long replyTime = 0;
 
@@ -161,6 +161,10 @@ enum Flag
  *
  * A Context belongs to the thread that created it, which must run a Qt event loop and is the only one that
  * may call it. Nothing throws; a failed start shows in the log and in that no member ever appears.
+ *
+ * A Context belongs to the process that created it, too. In a process forked from that one, its destructor
+ * only frees memory. A program that becomes a daemon creates its contexts afterwards, or loses its connection
+ * for about a second.
  */
 class TAVRIK_COMMON_EXPORT Context
 {

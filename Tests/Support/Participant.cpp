@@ -6,7 +6,7 @@
 //   blink                   leaves and comes back
 //   quit                    leaves
 //   exhaust                 leaves no file descriptor for anything more; `relieve` ends that
-//   fork                    forks a process that holds everything this one holds until its leader goes
+//   fork                    forks a process that holds everything this one holds, for a minute
 //   forget                  forks a process that destroys its copy of the context and ends
 //
 // and telling what it hears on its standard output, and besides the id of what it said (`said ID`) and when,
@@ -26,7 +26,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <poll.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -114,7 +113,7 @@ public:
     else if (words.value(0) == "relieve")
       LimitFiles(256);
     else if (words.value(0) == "fork")
-      Tell(QStringLiteral("forked %1").arg(Fork(&WaitForLeader)));
+      Tell(QStringLiteral("forked %1").arg(Fork(&WaitAMinute)));
     else if (words.value(0) == "forget")
     {
       const pid_t child = Fork([this] { context.reset(); });
@@ -135,11 +134,10 @@ private:
     Tell(QStringLiteral("limited"));
   }
 
-  // The leader holds the other end of the standard input.
-  static void WaitForLeader()
+  static void WaitAMinute()
   {
-    pollfd input = {STDIN_FILENO, 0, 0};
-    poll(&input, 1, -1);
+    alarm(60);
+    pause();
   }
 
   // In the child, ends as a program does.
