@@ -78,13 +78,16 @@ TEST(LocalPeer, IsAliveAlsoForAProcessThatHasNoDescriptorLeft)
   EXPECT_TRUE(RunInChild(
       [&]
       {
-        const rlimit none = {0, 0};
+        rlimit former = {};
+        ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+        const rlimit none = {0, former.rlim_max};
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
         EXPECT_TRUE(IsAlive(process));
         const LocalPeer peer = GetLocalPeer(ends[0]);
         EXPECT_EQ(peer.process.pid, process.pid);
         EXPECT_EQ(peer.process.startTime, 0);
         EXPECT_TRUE(IsAlive(peer.process));
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0); // a leak checker needs some in the end
       }));
   close(ends[0]);
   close(ends[1]);
