@@ -739,4 +739,58 @@ TEST_F(RAMCleanerTest, DestroyingEndsAlsoThePurgersOfEarlierRuns)
     EXPECT_FALSE(IsProcess(pid));
 }
 
+#ifdef TAVRIK_UNKILLABLE_PURGER
+TEST_F(RAMCleanerTest, DestroyingWaitsOnlyShortlyForPurgersThatCannotBeKilled)
+{
+  static std::vector<std::string> complaints;
+  const auto former = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text)
+                                             { complaints.push_back(text.toStdString()); });
+  Purger(QStringLiteral("exec '" TAVRIK_UNKILLABLE_PURGER "' \"$0.tracers\""));
+  QFile tracers(machine.purger + ".tracers");
+  const int runs = 4;
+  for (int run = 0; run < runs; ++run)
+  {
+    ASSERT_TRUE(cleaner->Clean());
+    ASSERT_TRUE(WaitForEnd());
+  }
+  std::vector<qint64> pids;
+  for (int run = 0; run < runs; ++run)
+    pids.push_back(PidOfStart(run));
+  ASSERT_TRUE(tracers.open(QIODevice::ReadOnly));
+  const QList<QByteArray> tracerPids = tracers.readAll().trimmed().split('\n');
+  ASSERT_EQ(tracerPids.size(), runs) << "this machine does not let a process be traced";
+
+  QElapsedTimer timer;
+  timer.start();
+  cleaner.reset();
+  EXPECT_LT(timer.elapsed(), 20000);
+  for (const qint64 pid : pids)
+    EXPECT_TRUE(IsProcess(pid));
+
+  // Once they can end, they leave nothing behind.
+  for (const QByteArray& pid : tracerPids)
+    kill(pid.toInt(), SIGKILL);
+  Purger("exit 0");
+  cleaner = std::make_unique<RAMCleaner>(nullptr);
+  EXPECT_TRUE(WaitFor(
+      [&]
+      {
+        EXPECT_TRUE(cleaner->Clean());
+        EXPECT_TRUE(WaitForEnd());
+        return std::none_of(pids.begin(), pids.end(), IsProcess);
+      }));
+  qInstallMessageHandler(former);
+  EXPECT_THAT(complaints, IsEmpty());
+}
+
+TEST_F(RAMCleanerTest, APurgerMayWriteOnAfterHundredThoughItsRunIsOver)
+{
+  Purger("echo 'PROGRESS: 100%'; head -c 1000000 /dev/zero; : >\"$0.written\"");
+  ASSERT_TRUE(cleaner->Clean());
+  ASSERT_TRUE(WaitForEnd());
+  const qint64 pid = PidOfStart(0);
+  EXPECT_TRUE(WaitFor([&] { return QFile::exists(machine.purger + ".written") && !IsProcess(pid); }));
+}
+#endif
+
 } // namespace

@@ -6,9 +6,13 @@
 #include <Common/RAMInfo.h>
 
 #include <QPointer>
+#include <QTimer>
 #include <QTimerEvent>
 
 #include <glog/logging.h>
+
+#include <algorithm>
+#include <vector>
 
 namespace Tavrik::Cleaner
 {
@@ -19,7 +23,9 @@ namespace
 const Platform::Path purgerName(QStringLiteral("Tavrik Ostrel Purger"));
 [[maybe_unused]] const QString vmStatCommand = QStringLiteral("vm_stat");
 
-const int startTimeout = 30000;   // ms
+const int startTimeout = 30000; // ms
+const int longestEnd =
+    1000; // ms that killed purgers may take to end; one that hangs in the system takes longer
 const int pollPeriod = 50;        // ms
 const qint64 bytesPerPage = 4096; // on every machine, also where pages are larger
 const int complete = 100;
@@ -51,15 +57,33 @@ bool ParseProgress(const QByteArray& line, int* percentage)
 class RAMCleaner::Impl
 {
 public:
+  // Lets the purgers of earlier runs write on, and forgets those that have ended.
+  void Tidy(RAMCleaner* owner)
+  {
+    const int inUse = timerId > 0 ? 1 : 0;
+    purgers.erase(std::remove_if(purgers.begin(), purgers.end() - inUse,
+                                 [](const auto& purger)
+                                 {
+                                   purger->Discard();
+                                   return !purger->IsRunning();
+                                 }),
+                  purgers.end() - inUse);
+    isTidying = purgers.size() > static_cast<std::size_t>(inUse);
+    if (isTidying)
+      QTimer::singleShot(pollPeriod, owner, [this, owner] { Tidy(owner); });
+  }
+
   int timerId = 0; // above 0 exactly while a run is in progress
   qint64 totalSize = 0;
   vm_statistics64 statistics = {};
   quint32 freePagesBefore = 0;
   quint32 freePagesAfter = 0;
-  std::unique_ptr<QProcess> purgerProcess = std::make_unique<Platform::ChildProcess>();
+  std::vector<std::unique_ptr<Platform::ChildProcess>>
+      purgers;      // the last run's, behind earlier ones that still end
   int progress = 0; // percent
   int run = 0;      // which run it is; a slot may have ended one and begun another
   bool isTellingEnd = false;
+  bool isTidying = false;
 };
 
 RAMCleaner::RAMCleaner(QObject* parent) : QObject(parent), impl(std::make_unique<Impl>())
@@ -69,11 +93,14 @@ RAMCleaner::RAMCleaner(QObject* parent) : QObject(parent), impl(std::make_unique
   ReadStatistics();
 }
 
-// As the process object would do it itself, but without its complaint.
 RAMCleaner::~RAMCleaner()
 {
-  impl->purgerProcess->kill();
-  impl->purgerProcess->waitForFinished();
+  // Together, so that several that do not end cost the time of one.
+  for (const auto& purger : impl->purgers)
+    purger->Kill();
+  const QDeadlineTimer deadline(longestEnd);
+  for (const auto& purger : impl->purgers)
+    purger->WaitForEnd(deadline);
 }
 
 qint64 RAMCleaner::GetTotalRAMSize() const
@@ -97,31 +124,17 @@ bool RAMCleaner::Clean()
   if (IsCleaning())
     return false;
 
-  // The purger of the last run may still be ending. QProcess would refuse to start another, so it goes its
-  // own way.
-  if (impl->purgerProcess->state() != QProcess::NotRunning)
-  {
-    QProcess* const ending = impl->purgerProcess.release();
-    impl->purgerProcess = std::make_unique<Platform::ChildProcess>();
-    ending->setParent(this);
-    connect(ending, &QProcess::stateChanged, ending,
-            [ending](QProcess::ProcessState state)
-            {
-              if (state == QProcess::NotRunning)
-                ending->deleteLater();
-            });
-  }
-
   const QString program = FindPurger();
   ReadStatistics();
   impl->freePagesBefore = impl->statistics.free_count;
   impl->progress = 0;
-  impl->purgerProcess->start(program, QStringList(), QIODevice::ReadWrite);
-  if (!impl->purgerProcess->waitForStarted(startTimeout))
+  auto purger = std::make_unique<Platform::ChildProcess>();
+  if (!purger->Start(program, QStringList(), QDeadlineTimer(startTimeout)))
   {
     LOG(ERROR) << "Can't start " << Printable(program).constData() << '\n';
     return false;
   }
+  impl->purgers.push_back(std::move(purger));
   ++impl->run;
   impl->timerId = startTimer(pollPeriod, Qt::CoarseTimer);
   emit CleaningStarted();
@@ -132,7 +145,8 @@ void RAMCleaner::Stop()
 {
   if (impl->isTellingEnd && !IsCleaning())
     return;
-  impl->purgerProcess->kill();
+  if (!impl->purgers.empty())
+    impl->purgers.back()->Kill();
   FinishCleaning();
 }
 
@@ -166,16 +180,13 @@ void RAMCleaner::ReadStatistics() const
 
 void RAMCleaner::ProcessCleaning()
 {
-  QProcess& purger = *impl->purgerProcess;
-  if (purger.state() == QProcess::Starting)
-    return;
-  if (purger.state() != QProcess::Running)
+  Platform::ChildProcess& purger = *impl->purgers.back();
+  if (!purger.IsRunning())
     return FinishCleaning();
-  if (!purger.canReadLine())
-    return;
 
   int percentage = 0;
-  if (!ParseProgress(purger.readLine(), &percentage))
+  purger.Receive();
+  if (!ParseProgress(purger.TakeLine(), &percentage))
     return;
   const bool isNew = percentage != impl->progress;
   impl->progress = percentage;
@@ -197,6 +208,8 @@ void RAMCleaner::FinishCleaning()
     killTimer(impl->timerId);
   impl->timerId = 0;
   impl->progress = complete;
+  if (!impl->isTidying)
+    impl->Tidy(this);
   ReadStatistics();
   impl->freePagesAfter = impl->statistics.free_count;
 

@@ -3,6 +3,7 @@
 #include <Common/Platform/ChildProcess.h>
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 
 namespace Tavrik::Cleaner
 {
@@ -11,17 +12,24 @@ namespace
 {
 
 const int longestRun = 30000; // ms
+const int longestEnd =
+    1000; // ms that a killed tool may take to end; one that hangs in the system takes longer
 
 QString ReadOutput(const QString& program, const QStringList& arguments, int wait)
 {
-  Platform::ChildProcess process;
-  process.start(program, arguments, QIODevice::ReadWrite);
+  const QDeadlineTimer deadline(wait);
+  Platform::ChildProcess tool;
+  if (!tool.Start(program, arguments, deadline))
+    return {};
   // A tool that reads its input would otherwise wait for it until its time is up.
-  process.closeWriteChannel();
-  process.waitForFinished(wait);
+  tool.CloseInput();
+  if (!tool.WaitForEnd(deadline))
+  {
+    tool.Kill();
+    tool.WaitForEnd(QDeadlineTimer(longestEnd));
+  }
   // The conversion of the array as a whole ends at a NUL byte, that of its data and size would not.
-  const QByteArray output = process.readAll();
-  return QString::fromLocal8Bit(output);
+  return QString::fromLocal8Bit(tool.GetOutput());
 }
 
 } // namespace
