@@ -64,8 +64,9 @@ qint32 ReadPid(std::FILE* stream)
 
 bool RootExecutor::Impl::Authorize()
 {
-  if (authorized)
+  if (authorized && Platform::HasPrivilege(authorization))
     return true;
+  authorized = false;
 
   if (!authorization)
   {
@@ -97,8 +98,13 @@ bool RootExecutor::Impl::Authorize()
 
 bool RootExecutor::Impl::Exec(const QStringList& arguments)
 {
+  const bool wasAuthorized = authorized;
   if (!Authorize())
+  {
+    if (wasAuthorized)
+      pid = -1;
     return false;
+  }
 
   QList<QByteArray> texts;
   for (const QString& argument : arguments)

@@ -39,16 +39,23 @@ void ClosePrivilegedSession(PrivilegedSession* session);
 std::int32_t AskForPrivilege(PrivilegedSession* session, const char* toolPath, std::size_t toolPathLength);
 
 /**
+ * @return Whether a right that was granted is still there. Linux: not once the root shell has ended, nor in a
+ *         process that was forked from the one that has asked.
+ */
+bool HasPrivilege(const PrivilegedSession* session);
+
+/**
  * Starts a tool as root, and does not wait for its end.
  *
  * @param session   One whose right has been granted.
  * @param script    Null for a tool that is started by its path. Otherwise the tool is a shell script that the
  *                  user may write to, and this is what it holds: on Linux these bytes are run under the
- *                  tool's name, whatever its file has become; macOS has no means to start anything but a
- * file.
+ *                  tool's name, whatever its file has become, as long as they are fewer than 128 KiB; macOS
+ *                  has no means to start anything but a file.
  * @param arguments What follows the tool's own name, unchanged; ends in a null pointer.
  * @param stream    Receives the stream to the tool's standard input and from its standard output. It is not
- *                  the caller's to close, and may be used until the session's next call.
+ *                  the caller's to close, and may be used until the session's next call. On Linux only the
+ *                  first four bytes of the output arrive; the rest is dropped for as long as the tool runs.
  */
 std::int32_t StartPrivileged(PrivilegedSession* session, const char* toolPath, const std::string* script,
                              char* const* arguments, std::FILE** stream);

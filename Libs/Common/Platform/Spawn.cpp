@@ -53,7 +53,7 @@ void RemoveHandlers()
   if (program.error >= 0)
     dup2(program.error, STDERR_FILENO);
   if (program.prepare)
-    program.prepare(program);
+    program.prepare();
 
   char* const* const arguments = const_cast<char* const*>(program.arguments.data());
   if (program.environment)
@@ -114,15 +114,6 @@ int Spawn(const Program& program, Parent parent, int timeout, pid_t* pid)
   if (parent == Parent::Init || reason != 0)
     Retry([&] { return waitpid(*pid, nullptr, 0); });
   return reason;
-}
-
-void ResetSignals(const Program&)
-{
-  for (int number = 1; number < NSIG; ++number)
-    signal(number, SIG_DFL);
-  sigset_t none;
-  sigemptyset(&none);
-  sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 bool HasEnded(pid_t child)

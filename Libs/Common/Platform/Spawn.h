@@ -14,10 +14,8 @@ struct Program
   const char* const* environment = nullptr; ///< Null: this process's own.
   int input = -1;
   int output = -1;
-  int error = -1; ///< -1: this process's own.
-  void (*prepare)(const Program&) =
-      nullptr;   ///< Called in the child, where only what fork() allows may be called.
-  int kept = -1; ///< For prepare(): a descriptor that the program inherits.
+  int error = -1;              ///< -1: this process's own.
+  void (*prepare)() = nullptr; ///< Called in the child, where only what fork() allows may be called.
 };
 
 enum class Parent
@@ -34,9 +32,6 @@ enum class Parent
  * @return 0, or the error number that says why the program does not run.
  */
 int Spawn(const Program& program, Parent parent, int timeout, pid_t* pid);
-
-/** Makes every signal's disposition the default one; for Program::prepare. */
-void ResetSignals(const Program& program);
 
 /** @return Whether the child has ended; it is reaped then. So has one that this process has reaped elsewhere.
  */
