@@ -15,7 +15,8 @@ namespace Tavrik::Cleaner
  * A cleaner needs the event loop of the thread that owns it, and is called on that thread only. Nothing
  * throws; failures are logged. A slot may call any member, run the event loop or destroy the cleaner.
  *
- * Destroying a cleaner ends its helpers and says nothing.
+ * Destroying a cleaner kills its helpers, emits no signal, and blocks until they have ended, for at most 1 s;
+ * a helper that hangs in the system ends later.
  */
 class TAVRIK_COMMON_EXPORT RAMCleaner : public QObject
 {

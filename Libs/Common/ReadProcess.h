@@ -14,10 +14,11 @@
  * input is empty and its standard error is not read.
  *
  * A call blocks its thread until the tool ends, for at most 30 seconds; a tool that runs longer is killed,
- * its own children are not. It keeps no state, so it may be called on any thread, before main() and without a
- * QCoreApplication.
- * There is no sign of a failure but the text: a program that cannot be started gives an empty one, one that
- * crashes or ends with an error gives what it wrote. Nothing is logged.
+ * its own children are not. A tool that hangs in the system costs 1 second more. The process's signal
+ * handlers are left alone, and it may ignore SIGCHLD or reap every child itself. A call keeps no state of its
+ * own, so it may be called on any thread, before main() and without a QCoreApplication. There is no sign of a
+ * failure but the text: a program that cannot be started gives an empty one, one that crashes or ends with an
+ * error gives what it wrote. Nothing is logged.
  */
 namespace Tavrik::Cleaner
 {

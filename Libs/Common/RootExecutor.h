@@ -20,8 +20,8 @@ namespace Tavrik::Cleaner::Details
  * Starts a tool as root, any number of times, after the user has entered an administrator's password once.
  *
  * The right is kept for the life of the object. One thread at a time; nothing throws, and a failure is one
- * log line and `false`. What the started tool writes is not handed on: the stream to it stays open for as
- * long as the tool runs, but nobody reads it.
+ * log line and `false`. What the started tool writes is not handed on. Linux reads and drops it until the
+ * tool ends, also after this process has ended; macOS does not, and a tool waits once its pipe is full.
  */
 class TAVRIK_COMMON_EXPORT RootExecutor
 {
@@ -45,7 +45,8 @@ public:
   RootExecutor(const RootExecutor&) = delete;
   RootExecutor& operator=(const RootExecutor&) = delete;
 
-  /** @return Whether the right has been granted. */
+  /** @return Whether the right has been granted; false again after a start has found it lost and was not
+   * granted it anew. */
   bool IsAuthorized() const;
 
   /**
@@ -72,8 +73,9 @@ public:
   }
 
   /**
-   * From now on the tool is a shell script that holds @p script. Linux runs these bytes under the tool's
-   * name, so that whoever may write to its file cannot change what root runs.
+   * From now on the tool is a shell script that holds @p script. Linux runs these bytes, fewer than
+   * 128 KiB, under the tool's name, so that a process that may write to its file cannot change what root
+   * runs.
    */
   TAVRIK_COMMON_NO_EXPORT void SetScript(const QByteArray& script);
 

@@ -27,7 +27,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
@@ -35,7 +34,6 @@
 #include <poll.h>
 #include <sched.h>
 #include <string>
-#include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -312,62 +310,6 @@ void RaceForFolder(const Try& one)
   }
 }
 
-// Every descriptor of the host that leads to what it hands to the root shell.
-void ForEachRequest(pid_t host, const std::function<void(const std::string&)>& act)
-{
-  const std::string folder = "/proc/" + std::to_string(host) + "/fd";
-  DIR* const entries = opendir(folder.c_str());
-  if (!entries)
-    return;
-  while (const dirent* entry = readdir(entries))
-  {
-    const std::string path = folder + "/" + entry->d_name;
-    char target[64] = {};
-    if (readlink(path.c_str(), target, sizeof(target) - 1) > 0 && std::strstr(target, "memfd:request"))
-      act(path);
-  }
-  closedir(entries);
-}
-
-void RaceForRequest(pid_t host, int told)
-{
-  const std::string hostile = ": >'" + In("evidence/hacked") + "'\n#";
-  for (;;)
-    ForEachRequest(host,
-                   [&](const std::string& path)
-                   {
-                     const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
-                     if (file < 0)
-                       return;
-                     Tell(told);
-                     (void)!pwrite(file, hostile.data(), hostile.size(), 0);
-                     close(file);
-                   });
-}
-
-void RaceToMapRequest(pid_t host, int told)
-{
-  const std::string hostile = ": >'" + In("evidence/hacked") + "'\n#";
-  const std::size_t size = 4096;
-  for (;;)
-    ForEachRequest(host,
-                   [&](const std::string& path)
-                   {
-                     const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
-                     if (file < 0)
-                       return;
-                     Tell(told);
-                     void* const map = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-                     struct stat information;
-                     if (map != MAP_FAILED && fstat(file, &information) == 0 &&
-                         information.st_size >= static_cast<off_t>(hostile.size()))
-                       std::memcpy(map, hostile.data(), hostile.size());
-                     if (map != MAP_FAILED)
-                       munmap(map, size);
-                     close(file);
-                   });
-}
-
 void SwapAtPrompt(const Try& one, int told)
 {
   const std::string asked = In("launchers/prompt/asked");
@@ -445,14 +387,6 @@ std::vector<Attack> MakeAttacks()
   attacks.back().ways = Ways::AskedOnly;
   attacks.back().chance = Chance::Told;
   attacks.back().before = [](const Try&) { return Write(In("launchers/prompt/wanted"), "", 0644); };
-  for (const auto& act : {RaceForRequest, RaceToMapRequest})
-  {
-    race(act == RaceForRequest ? "race-request" : "race-request-map",
-         [act](const Try&, pid_t host, int told) { act(host, told); });
-    attacks.back().ways = Ways::AskedOnly;
-    attacks.back().chance = Chance::Told;
-    attacks.back().refusals = {noStart};
-  }
 
   // The host's environment.
   const std::string library = In("library.so");
@@ -505,7 +439,6 @@ std::vector<Attack> MakeAttacks()
     return signal(SIGXFSZ, SIG_IGN) != SIG_ERR &&
            Limit(RLIMIT_FSIZE, static_cast<rlim_t>(one.number / 2 * 8));
   };
-  size.refusals = {noStart};
   Attack& processes = add("few-processes");
   processes.inHostAfter = [](const Try&) { return Limit(RLIMIT_NPROC, 1); };
   processes.refusals = {noRights, noStart};
@@ -611,22 +544,10 @@ struct Meeting
   _exit(EXIT_SUCCESS);
 }
 
-// What the launcher gives, and what a shell adds of its own.
 bool IsCleanEnvironment(const std::string& text)
 {
-  std::size_t begin = 0;
-  while (begin < text.size())
-  {
-    const std::size_t end = std::min(text.find('\0', begin), text.size());
-    const std::string variable = text.substr(begin, end - begin);
-    const bool isKnown = variable == "PATH=/usr/sbin:/usr/bin:/sbin:/bin" || variable == "HOME=/root" ||
-                         variable.rfind("PWD=", 0) == 0 || variable.rfind("OLDPWD=", 0) == 0 ||
-                         variable.rfind("SHLVL=", 0) == 0 || variable.rfind("_=/", 0) == 0;
-    if (!isKnown)
-      return false;
-    begin = end + 1;
-  }
-  return !text.empty();
+  const char clean[] = "PATH=/usr/sbin:/usr/bin:/sbin:/bin\0HOME=/root";
+  return text == std::string(clean, sizeof(clean));
 }
 
 std::string WantedArguments(const Attack& attack, const Try& one)
