@@ -45,8 +45,10 @@ public:
   RootExecutor(const RootExecutor&) = delete;
   RootExecutor& operator=(const RootExecutor&) = delete;
 
-  /** @return Whether the right has been granted; false again after a start has found it lost and was not
-   * granted it anew. */
+  /**
+   * @return Whether the right has been granted. Linux can lose it; a start that finds it lost asks anew, and
+   *         it is false when that is not granted.
+   */
   bool IsAuthorized() const;
 
   /**
