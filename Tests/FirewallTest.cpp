@@ -1032,10 +1032,13 @@ TEST_F(FirewallTest, WhatTakesTheScriptsPlaceWhileTheUserIsAskedIsNotRun)
 TEST_F(FirewallTest, WhatTakesTheScriptsPlaceAfterTheLastLookIsNotRun)
 {
   BecomeUser();
-  // The root shell stands where the look is over and the start is next: it is asked to start something.
-  WriteProgram(Path("launchers/sudo"), "printf y\nread -r request\necho 'touch \"" + Path("hacked").toUtf8() +
-                                           "\"' >'" + ScriptPath().toUtf8() +
-                                           "'\n. \"/proc/$PPID/fd/$request\"\n");
+  // The file is replaced between the look and the start: when a request comes, and before the root shell has
+  // it.
+  WriteProgram(Path("launchers/sudo"),
+               "shift\nprintf y\nread -r size\necho 'touch \"" + Path("hacked").toUtf8() + "\"' >'" +
+                   ScriptPath().toUtf8() +
+                   "'\n{ echo \"$size\"; cat; } | \"$@\" | { dd bs=1 count=1 of=/dev/null "
+                   "2>/dev/null; exec cat; }\n");
   Firewall firewall(nullptr);
   firewall.SetEnabled(true);
   ASSERT_TRUE(firewall.Save());
