@@ -4,6 +4,7 @@
 #include <Common/Platform/PrivilegedLauncher.h>
 #include <Common/Platform/Scripts.h>
 #include <Common/Platform/Spawn.h>
+#include <Common/Printable.h>
 
 #include <glog/logging.h>
 
@@ -241,7 +242,7 @@ std::int32_t RootShell::AskThroughPolkit(const std::string& path)
   // One code means a refusal, a missing agent or a missing service.
   if (asked.Says("Not authorized"))
     return privilegeDenied;
-  VLOG(30) << "pkexec can't ask: " << asked.note;
+  VLOG(30) << "pkexec can't ask: " << Printable(QByteArray::fromStdString(asked.note)).constData();
   return privilegeUnavailable;
 }
 
