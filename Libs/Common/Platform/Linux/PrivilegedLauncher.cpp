@@ -147,7 +147,7 @@ bool StartDirectly(const std::vector<std::string>& command, Descriptor toolInput
   int reason = Spawn(drain, Parent::Init, -1, &ignored);
   if (reason == 0)
     reason = Spawn(tool, Parent::Init, -1, &ignored);
-  VLOG_IF(30, reason != 0) << Printable(QByteArray(command.front())).constData() << ": "
+  VLOG_IF(30, reason != 0) << Printable(QByteArray::fromStdString(command.front())).constData() << ": "
                            << std::strerror(reason);
   return reason == 0;
 }
