@@ -1,10 +1,11 @@
 // What outlives a scheduler, and what becomes of a state that is not its own.
 
 #include "SchedulerFixture.h"
+#include "State.h"
 #include "Support/Copies.h"
+#include "Support/Processes.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace
@@ -47,18 +48,49 @@ TEST_F(Keeping, NoticeOutlivesAKilledSchedulerAndIsNotRepeated)
   EXPECT_EQ(asking.Events().first().value("id").toInt(), 1);
 }
 
+int HoldLock(int file)
+{
+  struct flock whole = {};
+  whole.l_type = F_WRLCK;
+  whole.l_whence = SEEK_SET;
+  return fcntl(file, F_SETLK, &whole);
+}
+
 TEST_F(Keeping, LockThatIsGivenBackSoonIsWaitedFor)
 {
   ASSERT_TRUE(QDir().mkpath(home + "/state"));
   const int lock =
       open(QFile::encodeName(stateFile + ".lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   ASSERT_GE(lock, 0);
-  ASSERT_EQ(0, flock(lock, LOCK_EX));
+  ASSERT_EQ(0, HoldLock(lock));
   SchedulerProcess scheduler(Arguments({"--once"}));
   scheduler.Begin();
   EXPECT_FALSE(scheduler.waitForFinished(200)) << scheduler.Err().toStdString();
   close(lock);
   EXPECT_EQ(scheduler.Finish(), Done);
+}
+
+TEST_F(Keeping, LockEndsWithItsProcessThoughAForkedChildLives)
+{
+  int ready[2];
+  int end[2];
+  ASSERT_EQ(0, pipe(ready));
+  ASSERT_EQ(0, pipe(end));
+  char byte = 0;
+  Forked scheduler(
+      [&]
+      {
+        State state(stateFile);
+        const bool isChild = state.Lock() == Done && fork() == 0;
+        close(end[1]);
+        (void)!write(ready[1], "y", isChild ? 1 : 0);
+        (void)!read(end[0], &byte, 1);
+      });
+  ASSERT_EQ(1, read(ready[0], &byte, 1));
+  scheduler.Kill();
+  EXPECT_EQ(State(stateFile).Lock(), Done);
+  for (const int file : {ready[0], ready[1], end[0], end[1]})
+    close(file);
 }
 
 TEST_F(Keeping, StateIsTheUsersAlone)
@@ -226,7 +258,7 @@ TEST_F(Keeping, StateThatSomebodyElseHoldsEndsWithNameTaken)
   const QByteArray name = QFile::encodeName(stateFile) + ".lock";
   const int file = open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   ASSERT_GE(file, 0);
-  ASSERT_EQ(0, flock(file, LOCK_EX));
+  ASSERT_EQ(0, HoldLock(file));
   SchedulerProcess scheduler(Arguments());
   EXPECT_EQ(scheduler.Begin().Finish(), NameTaken);
   EXPECT_EQ(scheduler.Err(), "ostrel-scheduler: another scheduler of this user keeps its notices in " +

@@ -75,6 +75,16 @@ qint64 FindLargestId(const QByteArray& text)
   return largest;
 }
 
+// A record lock, because a forked child does not inherit it: one that a killed scheduler leaves before it has
+// become another program would hold the lock on. A file that is open for reading only cannot have one.
+bool TakeLock(int file)
+{
+  struct flock whole = {};
+  whole.l_type = F_WRLCK;
+  whole.l_whence = SEEK_SET;
+  return fcntl(file, F_SETLK, &whole) == 0 || (errno == EBADF && flock(file, LOCK_EX | LOCK_NB) == 0);
+}
+
 QStringList ReadTexts(const QJsonValue& value)
 {
   QStringList texts;
@@ -128,22 +138,22 @@ int State::Lock()
   QDir().mkpath(QFileInfo(path).absolutePath());
   if (!OpenLock())
     return Failed;
-  // A child that a killed scheduler had just made holds the lock until it becomes the program that it is to
-  // run.
+  // A scheduler that has been killed takes a moment to end.
   const QDeadlineTimer patience(longestLockWait);
-  while (lockFile >= 0 && flock(lockFile, LOCK_EX | LOCK_NB) != 0)
+  while (lockFile >= 0 && !TakeLock(lockFile))
   {
     const int error = errno;
-    if (error == EINTR || (error == EWOULDBLOCK && !patience.hasExpired()))
+    const bool isHeld = error == EAGAIN || error == EACCES;
+    if (error == EINTR || (isHeld && !patience.hasExpired()))
     {
       usleep(betweenTries);
       continue;
     }
-    if (error == EWOULDBLOCK)
+    if (isHeld)
       PrintError(Texts::tr("another scheduler of this user keeps its notices in %1").arg(ShowName(path)));
     else
       PrintError(Texts::tr("cannot lock %1: %2").arg(ShowName(path), ShowReason(error)));
-    return error == EWOULDBLOCK ? NameTaken : Failed;
+    return isHeld ? NameTaken : Failed;
   }
   return Done;
 }
