@@ -94,10 +94,11 @@ TEST_F(UnreadPipe, LosesLinesAndSaysHowManyOnceItIsReadAgain)
       "the number of dropped lines"));
   EXPECT_GT(reader.Out().left(reader.Out().indexOf(' ')).toInt(), 0) << reader.Out().toStdString();
   EXPECT_EQ(RunBus({"send", "server", "after", "--name", "alice"}).code, Done);
+  EXPECT_TRUE(reader.WaitForOutput([this] { return reader.Out().endsWith("message from alice: after\n"); },
+                                   "the later message"));
   server.Signal(SIGTERM);
   EXPECT_EQ(server.Finish(), EndedBySignal + SIGTERM);
   EXPECT_EQ(reader.Finish(), 0);
-  EXPECT_TRUE(reader.Out().endsWith("message from alice: after\n")) << reader.Out().toStdString();
 }
 
 TEST_F(UnreadPipe, DoesNotKeepTheProcessFromEnding)
