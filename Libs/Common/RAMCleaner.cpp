@@ -57,8 +57,14 @@ bool ParseProgress(const QByteArray& line, int* percentage)
 class RAMCleaner::Impl
 {
 public:
+  Impl()
+  {
+    tidying.setInterval(pollPeriod);
+    tidying.callOnTimeout([this] { Tidy(); });
+  }
+
   // Lets the purgers of earlier runs write on, and forgets those that have ended.
-  void Tidy(RAMCleaner* owner)
+  void Tidy()
   {
     const int inUse = timerId > 0 ? 1 : 0;
     purgers.erase(std::remove_if(purgers.begin(), purgers.end() - inUse,
@@ -68,9 +74,10 @@ public:
                                    return !purger->IsRunning();
                                  }),
                   purgers.end() - inUse);
-    isTidying = purgers.size() > static_cast<std::size_t>(inUse);
-    if (isTidying)
-      QTimer::singleShot(pollPeriod, owner, [this, owner] { Tidy(owner); });
+    if (purgers.size() == static_cast<std::size_t>(inUse))
+      tidying.stop();
+    else if (!tidying.isActive())
+      tidying.start();
   }
 
   int timerId = 0; // above 0 exactly while a run is in progress
@@ -83,7 +90,7 @@ public:
   int progress = 0; // percent
   int run = 0;      // which run it is; a slot may have ended one and begun another
   bool isTellingEnd = false;
-  bool isTidying = false;
+  QTimer tidying; // while purgers of earlier runs are left
 };
 
 RAMCleaner::RAMCleaner(QObject* parent) : QObject(parent), impl(std::make_unique<Impl>())
@@ -208,8 +215,7 @@ void RAMCleaner::FinishCleaning()
     killTimer(impl->timerId);
   impl->timerId = 0;
   impl->progress = complete;
-  if (!impl->isTidying)
-    impl->Tidy(this);
+  impl->Tidy();
   ReadStatistics();
   impl->freePagesAfter = impl->statistics.free_count;
 

@@ -2,6 +2,8 @@
 
 #include <Common/Platform/Pipe.h>
 
+#include <QDeadlineTimer>
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -16,6 +18,8 @@ namespace Tavrik::Platform
 
 namespace
 {
+
+const int longestExec = 1000; // ms
 
 // Never destroyed: programs are started, and left, by the constructors and destructors of static objects too.
 struct Abandoned
@@ -55,12 +59,14 @@ void RemoveHandlers()
   if (program.prepare)
     program.prepare();
 
+  int reason = 0;
+  (void)!write(report, &reason, sizeof(reason));
   char* const* const arguments = const_cast<char* const*>(program.arguments.data());
   if (program.environment)
     execve(arguments[0], arguments, const_cast<char* const*>(program.environment));
   else
     execv(arguments[0], arguments);
-  const int reason = errno;
+  reason = errno;
   (void)!write(report, &reason, sizeof(reason));
   _exit(EXIT_FAILURE);
 }
@@ -74,6 +80,19 @@ void RemoveHandlers()
   if (pid < 0)
     (void)!write(report, &reason, sizeof(reason));
   _exit(EXIT_SUCCESS);
+}
+
+// Reads a number; 0 at the end of the pipe. False at the deadline.
+bool Receive(int reported, const QDeadlineTimer& deadline, int* number)
+{
+  pollfd look = {reported, POLLIN, 0};
+  int ready = 0;
+  do
+    ready = poll(&look, 1, static_cast<int>(deadline.remainingTime()));
+  while (ready < 0 && errno == EINTR);
+  *number = 0;
+  Retry([&] { return ready == 0 ? 0 : read(reported, number, sizeof(*number)); });
+  return ready != 0;
 }
 
 } // namespace
@@ -103,14 +122,16 @@ int Spawn(const Program& program, Parent parent, int timeout, pid_t* pid)
   if (reason != 0)
     return reason;
 
-  pollfd look = {reported.Get(), POLLIN, 0};
-  if (Retry([&] { return poll(&look, 1, timeout); }) == 0)
+  // The child reports 0 before it executes the program, and an error number when that fails. The end of the
+  // pipe is no certain sign: a process that another thread has forked meanwhile may hold it open.
+  if (!Receive(reported.Get(), QDeadlineTimer(timeout), &reason))
   {
     kill(*pid, SIGKILL);
     Abandon(*pid);
     return ETIMEDOUT;
   }
-  Retry([&] { return read(reported.Get(), &reason, sizeof(reason)); });
+  if (reason == 0)
+    Receive(reported.Get(), QDeadlineTimer(longestExec), &reason);
   if (parent == Parent::Init || reason != 0)
     Retry([&] { return waitpid(*pid, nullptr, 0); });
   return reason;
