@@ -179,7 +179,7 @@ void EndOtherAttempts(const QTemporaryDir& own, const QString& prefix)
   const QDir folder = self.dir();
   const QStringList names = folder.entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot);
   for (const QString& name : names)
-    if (name.startsWith(prefix) && name != self.fileName())
+    if (name.startsWith(prefix) && name.size() == self.fileName().size() && name != self.fileName())
       Rename(folder.filePath(name), own.filePath(name));
 }
 
@@ -251,7 +251,8 @@ bool WriteStore(const QSettings& store, const QVariantMap& changes)
   const QFileInfo named(store.fileName());
   QDir().mkpath(named.absolutePath());
   // A link to the file stays a link.
-  const QString file = named.exists() ? named.canonicalFilePath() : named.absoluteFilePath();
+  const QString target = named.isSymLink() ? named.symLinkTarget() : named.absoluteFilePath();
+  const QString file = named.exists() ? named.canonicalFilePath() : target;
   const QString prefix = file + QStringLiteral(".new.");
   FolderLock lock(QFileInfo(file).path());
   int patience = longestWait;
