@@ -91,10 +91,12 @@ int PacketAssembly::Hunt(QIODevice* device)
 
 int PacketAssembly::ReadField(QIODevice* device)
 {
-  // The memory taken is that of the bytes that have come: the size of a field comes from the wire.
-  const QByteArray part = device->read(std::min<qint64>(wanted - bytes.size(), device->bytesAvailable()));
-  bytes += part;
-  if (bytes.size() == wanted)
+  // The memory taken is that of the bytes that have come: the size of a field comes from the wire. A field
+  // that no array can hold loses its end, and so does not match its checksum.
+  const QByteArray part = device->read(std::min<qint64>(wanted - come, device->bytesAvailable()));
+  come += part.size();
+  bytes += part.left(largestArray - bytes.size());
+  if (come == wanted)
     EndField();
   return part.size();
 }
@@ -118,9 +120,9 @@ void PacketAssembly::EndWait()
   if (field != Field::Signature)
   {
     // The timed read logs what is missing in its own words.
-    QBuffer come(&bytes);
-    come.open(QIODevice::ReadOnly);
-    ReadDataWithTimeout(&come, wanted, 0);
+    QBuffer part(&bytes);
+    part.open(QIODevice::ReadOnly);
+    ReadDataWithTimeout(&part, wanted, 0);
   }
   EndField();
 }
@@ -128,7 +130,7 @@ void PacketAssembly::EndWait()
 void PacketAssembly::EndField()
 {
   const QByteArray value = std::exchange(bytes, QByteArray());
-  const bool isWhole = value.size() == wanted;
+  const bool isWhole = come == wanted;
   switch (field)
   {
   case Field::Signature: // or none: then the size that does not come ends the attempt
@@ -162,6 +164,7 @@ void PacketAssembly::Begin(Field next, int bytesWanted)
   size += wanted;
   field = next;
   wanted = bytesWanted;
+  come = 0;
 }
 
 void PacketAssembly::TakeHeader(const QByteArray& header)

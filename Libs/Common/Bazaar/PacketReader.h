@@ -72,7 +72,8 @@ private:
   Field field = Field::Signature;
   int matched = 0;               // bytes of the signature
   int wanted = signature.size(); // bytes of the field
-  QByteArray bytes;              // that have come of it
+  int come = 0;                  // bytes that have come of it
+  QByteArray bytes;              // that are kept of those
   long long size = 0;            // of the fields before it
   long long taken = 0;
   Packet packet;
