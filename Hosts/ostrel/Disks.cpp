@@ -57,7 +57,7 @@ StorageInfo FindHoldingDisk(const QList<StorageInfo>& disks, const QString& path
   QList<StorageInfo> candidates;
   std::copy_if(disks.begin(), disks.end(), std::back_inserter(candidates),
                [&place](const StorageInfo& disk) { return IsBelow(place, disk.mountPoint); });
-  const StorageInfo listed = Tavrik::Cleaner::FindDisk(candidates, place);
+  StorageInfo listed = Tavrik::Cleaner::FindDisk(candidates, place);
   const QStorageInfo volume(place);
   if (!volume.isValid() || volume.rootPath().size() <= listed.mountPoint.size())
     return listed;

@@ -2,7 +2,7 @@
 
 #include "Descriptors.h"
 
-#include <QMetaObject>
+#include <QTimer>
 
 #include <cerrno>
 #include <condition_variable>
@@ -44,13 +44,14 @@ void StartThread(Body body)
 struct BackgroundWriter::Queue
 {
   Queue(int file, Describe describe, Fail fail)
-      : file(file), describe(std::move(describe)), fail(std::move(fail))
+      : file(file), describe(std::move(describe)), failure(std::make_unique<QTimer>())
   {
+    failure->setSingleShot(true);
+    failure->callOnTimeout([this, fail = std::move(fail)] { fail(error); });
   }
 
   const int file;
   const Describe describe;
-  const Fail fail;
   std::mutex mutex;
   std::condition_variable changed;
   std::deque<QByteArray> lines; // the first is being written
@@ -58,7 +59,7 @@ struct BackgroundWriter::Queue
   long long dropped = 0;
   int error = 0;
   bool isOver = false;
-  std::unique_ptr<QObject> receiver = std::make_unique<QObject>(); // of the failure
+  std::unique_ptr<QTimer> failure; // reports the error from the event loop
 };
 
 BackgroundWriter::BackgroundWriter(int file, Describe describe, Fail fail)
@@ -71,7 +72,7 @@ BackgroundWriter::~BackgroundWriter()
 {
   const std::lock_guard<std::mutex> lock(queue->mutex);
   queue->isOver = true;
-  queue->receiver.reset();
+  queue->failure.reset();
   queue->changed.notify_all();
 }
 
@@ -124,9 +125,8 @@ void BackgroundWriter::Run(const std::shared_ptr<Queue>& queue)
     queue->changed.notify_all();
     if (error == 0)
       continue;
-    if (queue->receiver)
-      QMetaObject::invokeMethod(
-          queue->receiver.get(), [queue, error] { queue->fail(error); }, Qt::QueuedConnection);
+    if (queue->failure)
+      QMetaObject::invokeMethod(queue->failure.get(), "start", Qt::QueuedConnection);
     return;
   }
 }

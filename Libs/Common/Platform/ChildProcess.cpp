@@ -104,7 +104,7 @@ void ChildProcess::Receive()
 
 QByteArray ChildProcess::TakeLine()
 {
-  const QByteArray line = received.left(received.indexOf('\n') + 1);
+  QByteArray line = received.left(received.indexOf('\n') + 1);
   received.remove(0, line.size());
   return line;
 }

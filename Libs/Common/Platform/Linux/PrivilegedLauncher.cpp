@@ -116,6 +116,7 @@ bool IsTooLong(const std::vector<std::string>& command)
 std::vector<const char*> ToPointers(const std::vector<std::string>& words)
 {
   std::vector<const char*> pointers;
+  pointers.reserve(words.size() + 1);
   for (const std::string& word : words)
     pointers.push_back(word.c_str());
   pointers.push_back(nullptr);
