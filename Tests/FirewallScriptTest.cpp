@@ -1,6 +1,7 @@
 // The script that runs as root, under every shell of this machine, against a firewall tool with a state.
 
 #include "Support/FirewallScript.h"
+#include "Support/Copies.h"
 #include "Support/FakeFirewall.h"
 #include "Support/Programs.h"
 
@@ -48,6 +49,7 @@ protected:
   void SetUp() override
   {
     ASSERT_TRUE(QDir().mkpath(folder));
+    CopyForOthers({FakeFirewall::program});
     tool = std::make_unique<FakeFirewall>(folder + "/the tool");
     ConfigureScript(QStringLiteral(TAVRIK_FIREWALL_SCRIPT), tool->Path(), script);
     ASSERT_EQ(0, chmod(QFile::encodeName(script).constData(), 0700));
@@ -78,9 +80,9 @@ protected:
       chmod(QFile::encodeName(path).constData(), 0755);
     if (geteuid() != 0 || setreuid(someUser, 0) != 0)
       return "Only root of a machine can set its user ids apart";
-    const bool isToolReachable = access(QFile::encodeName(tool->Path()).constData(), X_OK) == 0;
+    EXPECT_EQ(0, access(QFile::encodeName(tool->Path()).constData(), X_OK));
     EXPECT_EQ(0, setreuid(0, 0));
-    return isToolReachable ? "" : "The build tree is closed to other users";
+    return {};
   }
 
   const QString folder = QDir::tempPath() + QStringLiteral("/firewall-script");
@@ -94,9 +96,9 @@ protected:
 class FirewallScriptTest : public FirewallScriptFile, public testing::WithParamInterface<Shell>
 {
 protected:
-  // Skips the test where the shell is not there.
-  void FindShell()
+  void SetUp() override
   {
+    FirewallScriptFile::SetUp();
     shell = ::FindShell(GetParam());
     if (shell.isEmpty())
       GTEST_SKIP() << "There is no " << GetParam().words.front() << " on this machine";
@@ -134,7 +136,6 @@ using Call = FakeFirewall::Call;
 
 TEST_P(FirewallScriptTest, SetsSwitchesThenAddsRemovesBlocksAndUnblocks)
 {
-  FindShell();
   FakeFirewall::State state;
   state.applications = {{"/old", true}, {"/kept", true}};
   tool->Set(state);
@@ -155,7 +156,6 @@ TEST_P(FirewallScriptTest, SetsSwitchesThenAddsRemovesBlocksAndUnblocks)
 
 TEST_P(FirewallScriptTest, AFailingStepIsReportedAndStopsNothing)
 {
-  FindShell();
   tool->Fail({"--setglobalstate", "--add"});
   const ScriptOutcome outcome = Run({"on", "on", "maybe", "on", "/a;/b", "", "/c", "-x"});
   EXPECT_EQ(1, outcome.status);
@@ -173,7 +173,6 @@ TEST_P(FirewallScriptTest, AFailingStepIsReportedAndStopsNothing)
 
 TEST_P(FirewallScriptTest, SetsBothSwitchesForSignedSoftwareOfANewerTool)
 {
-  FindShell();
   tool->BecomeNewer();
   FakeFirewall::State state;
   for (const bool isOn : {false, true})
@@ -192,7 +191,6 @@ TEST_P(FirewallScriptTest, SetsBothSwitchesForSignedSoftwareOfANewerTool)
 
 TEST_P(FirewallScriptTest, ReportsWhatAToolRefusesInWordsOnly)
 {
-  FindShell();
   const QByteArray words =
       "Firewall settings cannot be modified from command line on managed Mac computers\n";
   FakeFirewall::State state;
@@ -222,7 +220,6 @@ TEST_P(FirewallScriptTest, ReportsWhatAToolRefusesInWordsOnly)
 
 TEST_P(FirewallScriptTest, KeepsRootThatIsTheEffectiveIdOnly)
 {
-  FindShell();
   const std::string reason = WhyNotApart();
   if (!reason.empty())
     GTEST_SKIP() << reason;
@@ -243,7 +240,6 @@ TEST_P(FirewallScriptTest, KeepsRootThatIsTheEffectiveIdOnly)
 
 TEST_P(FirewallScriptTest, AnythingButEightArgumentsIsRefusedWhole)
 {
-  FindShell();
   for (const int count : {0, 1, 7, 9})
   {
     QStringList arguments;
@@ -259,7 +255,6 @@ TEST_P(FirewallScriptTest, AnythingButEightArgumentsIsRefusedWhole)
 
 TEST_P(FirewallScriptTest, AMissingToolIsToldOnce)
 {
-  FindShell();
   ASSERT_TRUE(QFile::remove(tool->Path()));
   const ScriptOutcome outcome = Run({"on", "on", "on", "on", "/a", "", "", ""});
   EXPECT_EQ(1, outcome.status);
@@ -268,7 +263,6 @@ TEST_P(FirewallScriptTest, AMissingToolIsToldOnce)
 
 TEST_P(FirewallScriptTest, NothingOfTheCallersEnvironmentOrFolderCounts)
 {
-  FindShell();
   for (const char* name : {"socketfilterfw", "printf", "ls", "the tool.d"})
     WriteProgram(folder + '/' + name, "touch \"${0%/*}/hacked\"\n");
   WriteText(folder + "/environment", "touch hacked\nset -x\n");
@@ -291,7 +285,6 @@ TEST_P(FirewallScriptTest, NothingOfTheCallersEnvironmentOrFolderCounts)
 
 TEST_P(FirewallScriptTest, AnybodyWhoStoppedListeningStopsNothing)
 {
-  FindShell();
   tool->Fail({"--setglobalstate"});
   // Both outputs go to a pipe whose reader has gone.
   QString words;

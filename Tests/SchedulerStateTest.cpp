@@ -216,6 +216,7 @@ TEST_F(Keeping, LockThatIsNoFileEndsWithAPlainMessage)
 
 TEST_F(Keeping, LockThatMayNotBeOpenedEndsWithAPlainMessage)
 {
+  CopyForOthers({OSTREL_SCHEDULER, commonLibrary});
   BecomeUser();
   const QByteArray lock = QFile::encodeName(stateFile + ".lock");
   WriteText(stateFile + ".lock", "");
