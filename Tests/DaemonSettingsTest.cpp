@@ -664,6 +664,24 @@ TEST(DaemonSettings, LinkToTheFileStaysALink)
   EXPECT_EQ(QFile::permissions(target) & QFile::ReadOther, 0);
 }
 
+TEST(DaemonSettings, LinkToAFileThatIsNotThereYetStaysALink)
+{
+  const QString target = QDir::homePath() + "/elsewhere.conf";
+  QDir().mkpath(StoreFolder());
+  ASSERT_TRUE(QFile::link(target, OpenStore()->fileName()));
+  DaemonSettings().SetFreeDiskSpaceLimit(8);
+  EXPECT_TRUE(QFileInfo(OpenStore()->fileName()).isSymLink());
+  EXPECT_EQ(ReadText(target), "[General]\nFREE_DISK_SPACE_LIMIT=8\n");
+}
+
+TEST(DaemonSettings, WriteLeavesAFolderWithASimilarNameAlone)
+{
+  const QString folder = OpenStore()->fileName() + ".new.mine";
+  ASSERT_TRUE(QDir().mkpath(folder));
+  DaemonSettings().SetTrashSizeLimit(6);
+  EXPECT_TRUE(QFileInfo(folder).isDir());
+}
+
 TEST(DaemonSettings, ThatCannotBeWrittenAreKeptAndWrittenWhenTheyCan)
 {
   const QString file = OpenStore()->fileName();

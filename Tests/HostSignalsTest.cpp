@@ -10,6 +10,9 @@
 #include <csignal>
 #include <cstring>
 #include <poll.h>
+#include <pthread.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -88,6 +91,21 @@ pid_t StartChild(int milliseconds, int output = -1)
   _exit(output < 0 || write(output, "x", 1) == 1 ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
+pid_t foreign = -1;
+
+// Runs between the opening of a tool's pipes and the fork, as another thread of the host may.
+void ForkOnce()
+{
+  if (foreign > 0)
+    return;
+  foreign = static_cast<pid_t>(syscall(SYS_clone, SIGCHLD, 0, 0, 0, 0)); // fork() would come back here
+  if (foreign != 0)
+    return;
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  for (;;)
+    pause();
+}
+
 } // namespace
 
 TEST(HostSignals, AreAsBeforeOnceTheLibraryIsLoaded)
@@ -145,4 +163,13 @@ TEST(HostSignals, ToolsRunInAHostThatReapsEveryChildItself)
   sigaction(SIGCHLD, &own, nullptr);
   for (int run = 0; run < 20; ++run)
     EXPECT_EQ("word\n", ReadProcess("echo", "word"));
+}
+
+TEST(ForkedProcess, ThatHoldsThePipesOfAStartDoesNotHoldItUp)
+{
+  ASSERT_EQ(0, pthread_atfork(ForkOnce, nullptr, nullptr));
+  EXPECT_EQ("x\n", ReadProcess("echo", "x"));
+  ASSERT_GT(foreign, 0);
+  kill(foreign, SIGKILL);
+  waitpid(foreign, nullptr, 0);
 }
