@@ -33,6 +33,10 @@ Fail()
   exit 1
 }
 
+case $PWD in
+  *'"'*) Fail "CMake cannot build in a folder whose path contains a double quote: $PWD" "Move the clone elsewhere." ;;
+esac
+
 # Configure PRESET: does nothing when the build tree is up to date; the build itself looks at the CMake lists.
 # ./run sets withoutTests, because the packages of the tests may be missing; the others then configure its tree again.
 Configure()
