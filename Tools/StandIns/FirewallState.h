@@ -52,8 +52,8 @@ StatePlace FindPlace();
 FirewallState Load(const StatePlace& place);
 
 /**
- * Loads, calls @p edit, and stores what came of it unless that returned false; other writers wait meanwhile. Of a
- * state in which everything is off and empty no file is kept.
+ * Loads, calls @p edit, and stores what came of it unless that returned false; other writers wait meanwhile.
+ * Of a state in which everything is off and empty no file is kept.
  *
  * @return Empty, or why it could not be stored. Waits for other writers for 10 s at most.
  */
