@@ -6,6 +6,8 @@
 #include "Support/Require.h"
 #include "Support/Wire.h"
 
+#include <QBuffer>
+
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <optional>

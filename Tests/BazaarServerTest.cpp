@@ -155,7 +155,7 @@ TEST_F(Server, AdmitsAStrangeIntroductionWithAWarning)
 
 TEST_F(Server, LeavesASocketOpenWhoseFirstPacketIsNoMessageAndNeverReadsItAgain)
 {
-  const long long before = MemoryOf(peer.Pid(), "VmRSS");
+  [[maybe_unused]] const long long before = MemoryOf(peer.Pid(), "VmRSS");
   RawClient guest(meeting.context);
   guest.Write(Wire::Status("demo", {"guest"}));
   ASSERT_TRUE(Logs("Got the command STATUS (expected: MESSAGE)\n"));
@@ -171,7 +171,9 @@ TEST_F(Server, LeavesASocketOpenWhoseFirstPacketIsNoMessageAndNeverReadsItAgain)
   EXPECT_TRUE(guest.IsConnected());
   EXPECT_TRUE(guest.bytes.isEmpty());
   EXPECT_EQ(hear->Members(), "hear,server");
+#ifndef TAVRIK_SANITIZED // a sanitizer keeps freed memory for a while
   EXPECT_LT(MemoryOf(peer.Pid(), "VmRSS") - before, flood / 2);
+#endif
 }
 
 TEST_F(Server, KeepsNoDescriptorOfThoseWhoseFirstPacketIsNoMessageOnceTheyHaveHungUp)
