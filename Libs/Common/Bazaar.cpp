@@ -91,7 +91,7 @@ const long long settleTime = 300000000;  // ns after a connection before anythin
 const long long readingTime = 100000000; // ns that one tick may spend on reading
 const int smallestIntroduction = 30;     // bytes
 const int smallestReadAhead = 4096;      // bytes that Qt may read ahead where packets are limited
-const int warningPeriod = 10000;         // ms in which a limit's breaches are told once
+const int warningPeriod = 10000;         // ms in which breaches of a limit are logged once
 const int longestShownName = 64;         // bytes of a name in such a line
 
 // ---- Limits ---------------------------------------------------------------------------------------------

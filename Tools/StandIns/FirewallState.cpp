@@ -308,7 +308,7 @@ std::string Edit(const StatePlace& place, const std::function<bool(FirewallState
     if (!lock)
       return Reason(lockPath);
     if (!LockWithin(lock.Get(), longestWait))
-      return lockPath + ": somebody else holds it";
+      return lockPath + ": another process holds it";
     if (!IsFileAt(lockPath, lock))
       continue; // the last writer has removed it
     FirewallState state = Load(place);
